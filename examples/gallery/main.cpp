@@ -1,0 +1,46 @@
+// The Lumo gallery: every component of the library on a page.
+//
+//   lumo-gallery [--theme DIR] [--lang CODE] [--user-data DIR] [--render DIR]
+//
+// With --render the pages are drawn to PNG files in DIR (one per page) and their
+// paths printed, which is how the gallery is looked at without a display.
+
+#include "gallery.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QStandardPaths>
+#include <QTextStream>
+
+int main(int argc, char **argv)
+{
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("lumo-gallery"));
+    QApplication::setOrganizationName(QStringLiteral("Lumo"));
+
+    QCommandLineParser parser;
+    parser.addHelpOption();
+    const QCommandLineOption themeOption(QStringLiteral("theme"), QStringLiteral("Theme folder."), QStringLiteral("dir"));
+    const QCommandLineOption langOption(QStringLiteral("lang"), QStringLiteral("Caption language (enu, deu, chs)."),
+                                        QStringLiteral("code"));
+    const QCommandLineOption dataOption(QStringLiteral("user-data"), QStringLiteral("Per-user data folder."), QStringLiteral("dir"));
+    const QCommandLineOption renderOption(QStringLiteral("render"), QStringLiteral("Render every page to PNG files in dir and exit."),
+                                          QStringLiteral("dir"));
+    parser.addOptions({themeOption, langOption, dataOption, renderOption});
+    parser.process(app);
+
+    gallery::Startup startup;
+    startup.themeDir = parser.isSet(themeOption) ? parser.value(themeOption) : gallery::defaultThemeDir();
+    startup.userDataDir =
+        parser.isSet(dataOption) ? parser.value(dataOption) : QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
+    startup.language = parser.value(langOption);
+    gallery::startUp(startup);
+
+    gallery::MainWindow window;
+    if (parser.isSet(renderOption)) {
+        QTextStream out(stdout);
+        return gallery::renderPages(window, parser.value(renderOption), out) ? 0 : 1;
+    }
+    window.show();
+    return app.exec();
+}

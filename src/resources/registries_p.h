@@ -1,0 +1,39 @@
+#ifndef LUMO_REGISTRIES_P_H
+#define LUMO_REGISTRIES_P_H
+
+// Helpers shared by every family of the library. Not installed.
+
+#include <lumo/registries.h>
+
+#include <QLoggingCategory>
+#include <QSize>
+
+#include <initializer_list>
+
+Q_DECLARE_LOGGING_CATEGORY(lumoLog)
+
+namespace lumo
+{
+/** Rounds half away from zero, saturating at the int range (NaN gives 0). */
+int roundHalfAway(double value);
+/** Converts toward zero, saturating at the int range (NaN gives 0). */
+int truncated(double value);
+/** A design length in pixels times the screen's scale factor, truncated toward zero. */
+int scaled(double value);
+/** A pixmap's size in device-independent pixels: divided by the device pixel ratio, rounded. */
+QSize logicalSize(const QPixmap &pixmap);
+/** The px-scaled style section of @p key. */
+QString style(const char *key);
+/** The sections of @p keys joined with nothing between them. */
+QString styles(std::initializer_list<const char *> keys);
+/** The caption of @p key from ComponentStrings. */
+QString caption(const char *key);
+
+// The style text transformations, exposed for the tests that compare them with
+// the regular expressions they stand for.
+QString removeBlockComments(const QString &text);
+QString removeLineComments(const QString &text);
+QString scalePxLengths(const QString &sheet, double factor);
+}
+
+#endif

@@ -1,0 +1,31 @@
+# Installs the build into a fresh prefix, builds a downstream project against
+# the installed package and runs it.
+file(REMOVE_RECURSE ${WORK_DIR})
+set(prefix ${WORK_DIR}/prefix)
+execute_process(COMMAND ${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${prefix}
+  RESULT_VARIABLE rc OUTPUT_QUIET)
+if(NOT rc EQUAL 0)
+  message(FATAL_ERROR "install failed: ${rc}")
+endif()
+foreach(required include/lumo/lumo.h include/lumo/registries.h lib/cmake/Lumo/LumoConfig.cmake
+                 lib/cmake/Lumo/LumoConfigVersion.cmake lib/pkgconfig/lumo.pc share/lumo/themes/default/images.json
+                 share/lumo/themes/default/images/icon_information.png)
+  if(NOT EXISTS ${prefix}/${required})
+    message(FATAL_ERROR "installed package lacks ${required}")
+  endif()
+endforeach()
+execute_process(COMMAND ${CMAKE_COMMAND} -S ${SOURCE_DIR} -B ${WORK_DIR}/build -G ${GENERATOR}
+  -DCMAKE_PREFIX_PATH=${prefix} RESULT_VARIABLE rc)
+if(NOT rc EQUAL 0)
+  message(FATAL_ERROR "configuring the downstream project failed")
+endif()
+execute_process(COMMAND ${CMAKE_COMMAND} --build ${WORK_DIR}/build RESULT_VARIABLE rc)
+if(NOT rc EQUAL 0)
+  message(FATAL_ERROR "building the downstream project failed")
+endif()
+execute_process(COMMAND ${WORK_DIR}/build/downstream ${prefix}/share/lumo/themes/default ${WORK_DIR}/data
+  RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
+message(STATUS "${out}${err}")
+if(NOT rc EQUAL 0 OR NOT out MATCHES "downstream ok")
+  message(FATAL_ERROR "the downstream program failed: ${rc}")
+endif()
