@@ -29,11 +29,11 @@ QString styles(std::initializer_list<const char *> keys);
 /** The caption of @p key from ComponentStrings. */
 QString caption(const char *key);
 
-// The style text transformations, exposed for the tests that compare them with
+// The style text transformations, exported for the tests that compare them with
 // the regular expressions they stand for.
-QString removeBlockComments(const QString &text);
-QString removeLineComments(const QString &text);
-QString scalePxLengths(const QString &sheet, double factor);
+LUMO_EXPORT QString removeBlockComments(const QString &text);
+LUMO_EXPORT QString removeLineComments(const QString &text);
+LUMO_EXPORT QString scalePxLengths(const QString &sheet, double factor);
 }
 
 #endif
