@@ -21,8 +21,9 @@
 class LUMO_EXPORT ImageManager
 {
 public:
-    enum ImageType { Normal = 0, Hover = 1, Click = 2, Disable = 3 };
-    enum InitializeType { LoadAll = 0, LoadLazily = 1 };
+    // Fixed underlying types: callers may pass any 32-bit value (other values load nothing).
+    enum ImageType : int { Normal = 0, Hover = 1, Click = 2, Disable = 3 };
+    enum InitializeType : int { LoadAll = 0, LoadLazily = 1 };
 
     struct ImageFile {
         std::array<QString, 4> fileNames;
