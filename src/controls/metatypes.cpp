@@ -1,0 +1,13 @@
+#include <lumo/controls.h>
+
+// Registered at load time so that QMetaType::fromName() can build the
+// default-constructible controls, e.g. from a UI description.
+static void registerControlMetaTypes()
+{
+    qRegisterMetaType<LumoCheckBox>("LumoCheckBox");
+    qRegisterMetaType<LumoRadioButton>("LumoRadioButton");
+    qRegisterMetaType<LumoMenu>("LumoMenu");
+    qRegisterMetaType<LumoLineEdit>("LumoLineEdit");
+    qRegisterMetaType<LumoLabel>("LumoLabel");
+}
+Q_CONSTRUCTOR_FUNCTION(registerControlMetaTypes)
