@@ -318,8 +318,11 @@ void TestSingleApp::hostilePeerIsDropped_data()
     QTest::newRow("not UTF-8") << header(4) + QByteArray("\xff\xfe\xc0\x80", 4) << false
                                << QStringLiteral("Cannot decode a message of 4 bytes: it is not UTF-8");
     QTest::newRow("closed halfway") << header(10) + QByteArray("abc") << true
-                                    << QStringLiteral("Cannot read a message of 10 bytes: the peer closed the connection after 3");
-    QTest::newRow("closed inside the length") << QByteArray("\0\0", 2) << true << QString();
+                                    << QStringLiteral("Cannot read a message of 10 bytes: the peer closed the connection after 3 bytes");
+    QTest::newRow("closed inside the length") << QByteArray("\0\0", 2) << true
+                                              << QStringLiteral(
+                                                     "Cannot read the length of a message: the peer closed the connection after 2 bytes");
+    QTest::newRow("connected and closed") << QByteArray() << true << QString();
 }
 
 void TestSingleApp::hostilePeerIsDropped()
@@ -339,7 +342,8 @@ void TestSingleApp::hostilePeerIsDropped()
         QVERIFY(socket.waitForConnected(5000));
         socket.write(bytes);
         if (peerCloses) {
-            QVERIFY(socket.waitForBytesWritten(5000));
+            if (!bytes.isEmpty())
+                QVERIFY(socket.waitForBytesWritten(5000));
             socket.disconnectFromServer();
         } else {
             // The primary hangs up as soon as it has seen enough, well before its read time-out.
@@ -388,7 +392,7 @@ void TestSingleApp::pendingBytesAreBounded()
 
     // Once those peers go, their share is free again.
     sockets.clear();
-    QTRY_COMPARE(log.warnings().size(), 1 + fitting);
+    QTRY_COMPARE(log.warnings().size(), 1 + fitting); // each closed before its message was complete
     QLocalSocket socket;
     socket.connectToServer(serverPath(id));
     QVERIFY(socket.waitForConnected(5000));

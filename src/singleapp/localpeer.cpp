@@ -129,8 +129,10 @@ void QtLocalPeerConnection::readMore()
     owner->release(reserved);
     reserved = 0;
     buffer.clear();
-    socket->putChar(receipt);
-    socket->disconnectFromServer(); // ends in peerClosed()
+    if (socket->state() == QLocalSocket::ConnectedState) {
+        socket->putChar(receipt);
+        socket->disconnectFromServer(); // ends in peerClosed()
+    }
     // Queued: a receiver may delete the peer, and with it this connection.
     QMetaObject::invokeMethod(owner, "deliver", Qt::QueuedConnection, Q_ARG(QString, message));
 }
@@ -139,8 +141,12 @@ void QtLocalPeerConnection::peerClosed()
 {
     // The peer may have written everything and gone at once.
     readMore();
-    if (!done && (expected >= 0 || !buffer.isEmpty()))
-        qCWarning(lumoLog) << "Cannot read a message of" << expected << "bytes: the peer closed the connection after" << buffer.size();
+    if (!done && expected >= 0)
+        qCWarning(lumoLog) << "Cannot read a message of" << expected << "bytes: the peer closed the connection after" << buffer.size()
+                           << "bytes";
+    else if (!done && socket->bytesAvailable() > 0) // a probe that sent nothing is no fault
+        qCWarning(lumoLog) << "Cannot read the length of a message: the peer closed the connection after" << socket->bytesAvailable()
+                           << "bytes";
     done = true;
     deleteLater();
 }
