@@ -4,6 +4,9 @@
 //
 // With --render the pages are drawn to PNG files in DIR (one per page) and their
 // paths printed, which is how the gallery is looked at without a display.
+//
+// Only one interactive gallery runs per user session: a second start hands its
+// command line to the open one, which comes to the front, and exits.
 
 #include "gallery.h"
 
@@ -14,7 +17,7 @@
 
 int main(int argc, char **argv)
 {
-    QApplication app(argc, argv);
+    QtSingleApplication app(QStringLiteral("lumo-gallery"), argc, argv);
     QApplication::setApplicationName(QStringLiteral("lumo-gallery"));
     QApplication::setOrganizationName(QStringLiteral("Lumo"));
 
@@ -28,6 +31,15 @@ int main(int argc, char **argv)
                                           QStringLiteral("dir"));
     parser.addOptions({themeOption, langOption, dataOption, renderOption});
     parser.process(app);
+    const bool render = parser.isSet(renderOption);
+
+    // Rendering is headless and always runs, beside an open gallery or not.
+    if (!render && app.isRunning()) {
+        if (app.sendMessage(QCoreApplication::arguments().join(QLatin1Char('\n'))))
+            return 0;
+        QTextStream(stderr) << "lumo-gallery: the open gallery does not answer\n";
+        return 1;
+    }
 
     gallery::Startup startup;
     startup.themeDir = parser.isSet(themeOption) ? parser.value(themeOption) : gallery::defaultThemeDir();
@@ -37,10 +49,11 @@ int main(int argc, char **argv)
     gallery::startUp(startup);
 
     gallery::MainWindow window;
-    if (parser.isSet(renderOption)) {
+    if (render) {
         QTextStream out(stdout);
         return gallery::renderPages(window, parser.value(renderOption), out) ? 0 : 1;
     }
+    app.setActivationWindow(&window);
     window.show();
     return app.exec();
 }

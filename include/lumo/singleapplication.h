@@ -3,4 +3,112 @@
 
 #include <lumo/lumo_export.h>
 
+#include <QApplication>
+#include <QFile>
+#include <QObject>
+#include <QPointer>
+#include <QString>
+
+class QtLocalPeerPrivate;
+
+/**
+ * A QFile with advisory whole-file locks (POSIX record locks).
+ *
+ * Read locks are shared between processes, a write lock is exclusive. The kernel
+ * drops a lock when its holder exits, however it ends. As with every POSIX record
+ * lock, locks belong to the process: two objects on the same file in one process
+ * do not exclude each other, and closing either releases the locks of both.
+ */
+class LUMO_EXPORT QtLockedFile : public QFile
+{
+    Q_OBJECT
+public:
+    enum LockMode { NoLock = 0, ReadLock, WriteLock };
+
+    QtLockedFile();
+    explicit QtLockedFile(const QString &name);
+    /** Releases the lock. */
+    ~QtLockedFile() override;
+
+    using QFile::open;
+    /** As QFile::open(), but refuses Truncate: the file would change before a write lock is held. Use resize(0) after locking. */
+    bool open(OpenMode mode) override;
+    /** Takes or converts the lock; with @p block false it returns false at once when another process holds a conflicting lock. */
+    bool lock(LockMode mode, bool block = true);
+    bool unlock();
+    bool isLocked() const;
+    LockMode lockMode() const;
+    /** Closing releases the lock, so the recorded mode goes with it. */
+    void close() override;
+
+private:
+    Q_DISABLE_COPY(QtLockedFile)
+    LockMode currentMode = NoLock;
+};
+
+/**
+ * One end of the single-instance channel of an application id.
+ *
+ * The first process of an id (per user and login session) to call isClient()
+ * becomes the primary: it holds the id's lock file and listens on a local socket.
+ * Later processes are clients and hand their messages to it.
+ */
+class LUMO_EXPORT QtLocalPeer : public QObject
+{
+    Q_OBJECT
+public:
+    /** An empty @p appId stands for the application's executable path. */
+    explicit QtLocalPeer(QObject *parent = nullptr, const QString &appId = QString());
+    ~QtLocalPeer() override;
+
+    /** True while another process is the primary; otherwise this peer becomes (or stays) the primary and returns false. */
+    bool isClient();
+    /** Delivers @p message to the primary and waits up to @p timeout ms (negative: no limit) for its receipt. */
+    bool sendMessage(const QString &message, int timeout);
+    QString applicationId() const;
+
+Q_SIGNALS:
+    void messageReceived(const QString &message);
+
+private:
+    Q_DISABLE_COPY(QtLocalPeer)
+    friend class QtLocalPeerPrivate;
+    QtLocalPeerPrivate *d;
+};
+
+/**
+ * A QApplication that knows whether another instance of it is running and can
+ * pass messages, typically its command line, to that instance.
+ */
+class LUMO_EXPORT QtSingleApplication : public QApplication
+{
+    Q_OBJECT
+public:
+    /** The id is the executable's path. @p GUIenabled is kept for source compatibility; Qt 6 always has a GUI application here. */
+    QtSingleApplication(int &argc, char **argv, bool GUIenabled = true);
+    QtSingleApplication(const QString &id, int &argc, char **argv);
+    ~QtSingleApplication() override;
+
+    /** True when another instance is the primary; the first call makes this instance the primary if none is. */
+    bool isRunning();
+    QString id() const;
+
+    /** The window raised by activateWindow(); with @p activateOnMessage every received message raises it. */
+    void setActivationWindow(QWidget *aw, bool activateOnMessage = true);
+    QWidget *activationWindow() const;
+
+public Q_SLOTS:
+    bool sendMessage(const QString &message, int timeout = 5000);
+    /** Brings the activation window back from minimised, raises it and gives it the focus. */
+    void activateWindow();
+
+Q_SIGNALS:
+    void messageReceived(const QString &message);
+
+private:
+    Q_DISABLE_COPY(QtSingleApplication)
+    QtLocalPeer *peer;
+    QPointer<QWidget> actWin;
+};
+
 #endif
