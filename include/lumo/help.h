@@ -4,6 +4,7 @@
 #include <lumo/lumo_export.h>
 
 #include <QDialog>
+#include <QHash>
 #include <QMap>
 #include <QQueue>
 #include <QSet>
@@ -39,7 +40,7 @@ Q_SIGNALS:
 
 private Q_SLOTS:
     void slotFinishDownload(QNetworkReply *reply);
-    void slotDownloadProgress(qint64 received, qint64 total);
+    void slotCheckSize();
 
 private:
     QString filePath;
@@ -47,6 +48,7 @@ private:
     QNetworkAccessManager *networkManager = nullptr;
     bool finished = false;
     int result = 0;
+    QByteArray body; // received so far
 };
 
 /**
@@ -123,7 +125,7 @@ protected Q_SLOTS:
     void slotQueryTimeout();
 
 private Q_SLOTS:
-    void slotReplyProgress(qint64 received, qint64 total);
+    void slotCheckReplySize();
 
 protected:
     QUrl url;
@@ -133,6 +135,8 @@ protected:
 
 private:
     void init();
+
+    QHash<QNetworkReply *, QByteArray> pageBodies; // received so far, per running reply
 };
 
 /**

@@ -57,7 +57,8 @@ void BrowserWindow::query()
     queryTimer->start(10000);
     QNetworkReply *reply = networkManager->get(QNetworkRequest(url));
     connect(this, SIGNAL(sigAbortRequest()), reply, SLOT(abort()));
-    connect(reply, SIGNAL(downloadProgress(qint64, qint64)), this, SLOT(slotReplyProgress(qint64, qint64)));
+    reply->setReadBufferSize(lumo::help::networkBufferSize);
+    connect(reply, SIGNAL(readyRead()), this, SLOT(slotCheckReplySize()));
 }
 
 void BrowserWindow::fallbackOffline() { }
@@ -67,11 +68,16 @@ void BrowserWindow::slotQueryTimeout()
     Q_EMIT sigAbortRequest();
 }
 
-void BrowserWindow::slotReplyProgress(qint64 received, qint64 total)
+void BrowserWindow::slotCheckReplySize()
 {
-    if (received > lumo::help::maximumBodySize || total > lumo::help::maximumBodySize) {
-        if (auto *reply = qobject_cast<QNetworkReply *>(sender()))
-            reply->abort();
+    auto *reply = qobject_cast<QNetworkReply *>(sender());
+    if (!reply)
+        return;
+    QByteArray &body = pageBodies[reply];
+    body += reply->readAll();
+    if (body.size() > lumo::help::maximumBodySize || lumo::help::announcesOversize(reply)) {
+        pageBodies.remove(reply);
+        reply->abort();
     }
 }
 
@@ -79,9 +85,11 @@ void BrowserWindow::slotReceiveReply(QNetworkReply *reply)
 {
     queryTimer->stop();
     reply->deleteLater();
-    if (reply->error() != QNetworkReply::NoError) {
+    QByteArray body = pageBodies.take(reply);
+    body += reply->read(lumo::help::maximumBodySize + 1 - body.size());
+    if (reply->error() != QNetworkReply::NoError || body.size() > lumo::help::maximumBodySize) {
         fallbackOffline();
         return;
     }
-    browser->setText(QString::fromUtf8(reply->read(lumo::help::maximumBodySize)));
+    browser->setText(QString::fromUtf8(body));
 }

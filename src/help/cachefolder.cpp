@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QNetworkReply>
 #include <QTemporaryFile>
 
 #include <cstdio>
@@ -15,6 +16,11 @@ namespace lumo
 {
 namespace help
 {
+bool announcesOversize(QNetworkReply *reply)
+{
+    return reply->header(QNetworkRequest::ContentLengthHeader).toLongLong() > maximumBodySize;
+}
+
 bool ensurePrivateFolder(const QString &path)
 {
     constexpr QFile::Permissions ownerOnly = QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner;

@@ -7,12 +7,16 @@
 #include <QString>
 #include <QtGlobal>
 
+class QNetworkReply;
+
 namespace lumo
 {
 namespace help
 {
 /** A help page or picture larger than this is aborted: it cannot be a real one. */
 constexpr qint64 maximumBodySize = qint64(32) * 1024 * 1024;
+/** How much a reply buffers before the network thread waits for it to be read. */
+constexpr qint64 networkBufferSize = qint64(1) * 1024 * 1024;
 /** Picture downloads running at once per view; the others wait their turn. */
 constexpr int maximumRunningDownloads = 6;
 /** A stalled picture download gives up after this long without data, freeing its slot. */
@@ -21,6 +25,9 @@ constexpr int downloadStallTimeout = 30000;
 constexpr int maximumSourceLength = 4096;
 /** Picture arrivals within this many ms share one re-layout of the page. */
 constexpr int relayoutDelay = 50;
+
+/** Whether @p reply announced a body larger than maximumBodySize. */
+bool announcesOversize(QNetworkReply *reply);
 
 /**
  * Makes sure @p path is a real folder of this user that other users cannot

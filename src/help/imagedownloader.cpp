@@ -28,7 +28,9 @@ void ImageDownloader::start()
     QNetworkRequest request(QUrl(url, QUrl::TolerantMode));
     request.setTransferTimeout(lumo::help::downloadStallTimeout);
     QNetworkReply *reply = networkManager->get(request);
-    connect(reply, SIGNAL(downloadProgress(qint64, qint64)), this, SLOT(slotDownloadProgress(qint64, qint64)));
+    // Drained into body as it arrives; the small buffer makes the network thread wait for that.
+    reply->setReadBufferSize(lumo::help::networkBufferSize);
+    connect(reply, SIGNAL(readyRead()), this, SLOT(slotCheckSize()));
 }
 
 bool ImageDownloader::isFinished()
@@ -36,11 +38,15 @@ bool ImageDownloader::isFinished()
     return finished;
 }
 
-void ImageDownloader::slotDownloadProgress(qint64 received, qint64 total)
+void ImageDownloader::slotCheckSize()
 {
-    if (received > lumo::help::maximumBodySize || total > lumo::help::maximumBodySize) {
-        if (auto *reply = qobject_cast<QNetworkReply *>(sender()))
-            reply->abort();
+    auto *reply = qobject_cast<QNetworkReply *>(sender());
+    if (!reply)
+        return;
+    body += reply->readAll();
+    if (body.size() > lumo::help::maximumBodySize || lumo::help::announcesOversize(reply)) {
+        body.clear();
+        reply->abort();
     }
 }
 
@@ -49,12 +55,12 @@ void ImageDownloader::slotFinishDownload(QNetworkReply *reply)
     reply->deleteLater();
     if (finished)
         return;
-    const bool ok = reply->error() == QNetworkReply::NoError;
-    if (ok) {
-        const QByteArray body = reply->read(lumo::help::maximumBodySize);
-        // A file that cannot be written is not a network error: the picture just stays missing.
+    body += reply->read(lumo::help::maximumBodySize + 1 - body.size());
+    const bool ok = reply->error() == QNetworkReply::NoError && body.size() <= lumo::help::maximumBodySize;
+    // A file that cannot be written is not a network error: the picture just stays missing.
+    if (ok)
         lumo::help::replaceFile(filePath, body);
-    }
+    body = QByteArray();
     result = ok ? 0 : -1;
     finished = true;
     Q_EMIT sigDownloadFinish(url, result);
