@@ -249,6 +249,8 @@ void TestHelp::pagesWithoutDownloads_data()
     QTest::newRow("plain text") << QStringLiteral("Plain help\n<base href=\"%1/\"><img src=\"a.png\">");
     QTest::newRow("no base element") << QStringLiteral("<p>Hi <img src=\"%1/a.png\"></p>");
     QTest::newRow("base without closing quote") << QStringLiteral("<p>Hi</p><base href=\"%1/ <img src=\"a.png\">");
+    QTest::newRow("huge base address") << QStringLiteral("<base href=\"%1/") + QString(1 << 20, QLatin1Char('b')) +
+            QStringLiteral("\"><p>Hi <img src=\"a.png\"></p>");
     QTest::newRow("image without src") << QStringLiteral("<base href=\"%1/\"><p>Hi <img alt=\"a.png\"></p>");
 }
 

@@ -21,7 +21,7 @@ constexpr qint64 networkBufferSize = qint64(1) * 1024 * 1024;
 constexpr int maximumRunningDownloads = 6;
 /** A stalled picture download gives up after this long without data, freeing its slot. */
 constexpr int downloadStallTimeout = 30000;
-/** An image address longer than this is skipped rather than requested. */
+/** A base address or image source longer than this is ignored rather than requested. */
 constexpr int maximumSourceLength = 4096;
 /** Picture arrivals within this many ms share one re-layout of the page. */
 constexpr int relayoutDelay = 50;

@@ -41,7 +41,8 @@ void HtmlTextBrowser::setText(const QString &text)
     static const QString baseMarker = QStringLiteral("<base href=\"");
     const qsizetype b = text.indexOf(baseMarker);
     const qsizetype e = b < 0 ? -1 : text.indexOf(QLatin1Char('"'), b + 12);
-    if (b < 0 || e < 0) {
+    // A base address too long to be real would be copied into every image address.
+    if (b < 0 || e < 0 || e - b - 12 > lumo::help::maximumSourceLength) {
         QTextEdit::setText(text);
         return;
     }
