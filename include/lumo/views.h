@@ -251,7 +251,10 @@ public:
     std::vector<ColumnInfo> columns;
 };
 
-/** A QTableWidget that announces its new size before handling a resize. */
+/**
+ * A QTableWidget that announces its new size before handling a resize. As for
+ * every scroll area, the resize events it receives are its viewport's.
+ */
 class LUMO_EXPORT ResizeSignalTableWidget : public QTableWidget
 {
     Q_OBJECT

@@ -65,6 +65,9 @@ void LumoTableWidget::initailze()
     headerModelTable = new QTableWidget(0, n + 1);
 
     header = new QHeaderView(Qt::Horizontal);
+    // The style's minimum would widen the 12-pixel extra column and narrow columns.
+    header->setMinimumSectionSize(0);
+    headerModelTable->horizontalHeader()->setMinimumSectionSize(0);
     header->setModel(headerModelTable->model());
     header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     header->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
@@ -74,6 +77,7 @@ void LumoTableWidget::initailze()
     headerModelTable->setHorizontalHeaderLabels(titles);
 
     table = new ResizeSignalTableWidget(0, n);
+    table->horizontalHeader()->setMinimumSectionSize(0);
 
     for (int i = 0; i < n; ++i) {
         const LumoTableColumnsInfo::ColumnInfo &column = columns[size_t(i)];
