@@ -345,6 +345,7 @@ void TestTable::resizeSignalBeforeBaseHandling()
     QCOMPARE(table->rowCount(), 2);
     table->setParent(&window);
     table->horizontalHeader()->setDefaultSectionSize(200);
+    table->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
     table->setGeometry(0, 0, 300, 200);
     QList<QSize> seen;
     QList<int> rangeDuringSignal;
