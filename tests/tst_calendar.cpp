@@ -148,8 +148,9 @@ void TestCalendar::weekdayHeader()
         captions << header->item(0, column)->text();
         QCOMPARE(header->item(0, column)->textAlignment(), int(Qt::AlignCenter));
     }
-    QCOMPARE(captions, QStringList({QStringLiteral("S"), QStringLiteral("M"), QStringLiteral("T"), QStringLiteral("W"), QStringLiteral("T"),
-                                    QStringLiteral("F"), QStringLiteral("S")}));
+    QCOMPARE(captions,
+             QStringList({QStringLiteral("S"), QStringLiteral("M"), QStringLiteral("T"), QStringLiteral("W"), QStringLiteral("T"),
+                          QStringLiteral("F"), QStringLiteral("S")}));
     QCOMPARE(header->focusPolicy(), Qt::NoFocus);
     QCOMPARE(header->maximumHeight(), scaled(30));
     QCOMPARE(header->minimumHeight(), scaled(30));
@@ -233,9 +234,10 @@ void TestCalendar::monthTitlesFollowPages()
     QStringList titles;
     for (QAction *action : month->menu()->actions())
         titles << action->text();
-    QCOMPARE(titles, QStringList({QStringLiteral("Jan"), QStringLiteral("Feb"), QStringLiteral("Mar"), QStringLiteral("Apr"),
-                                  QStringLiteral("May"), QStringLiteral("Jun"), QStringLiteral("Jul"), QStringLiteral("Aug"),
-                                  QStringLiteral("Sep"), QStringLiteral("Oct"), QStringLiteral("Nov"), QStringLiteral("Dec")}));
+    QCOMPARE(titles,
+             QStringList({QStringLiteral("Jan"), QStringLiteral("Feb"), QStringLiteral("Mar"), QStringLiteral("Apr"), QStringLiteral("May"),
+                          QStringLiteral("Jun"), QStringLiteral("Jul"), QStringLiteral("Aug"), QStringLiteral("Sep"), QStringLiteral("Oct"),
+                          QStringLiteral("Nov"), QStringLiteral("Dec")}));
 
     view.setCurrentPage(2023, 2);
     QCOMPARE(month->text(), QStringLiteral("February"));
@@ -291,9 +293,9 @@ void TestCalendar::inertItemView()
         using LumoCalanderView::horizontalOffset;
         using LumoCalanderView::isIndexHidden;
         using LumoCalanderView::moveCursor;
+        using LumoCalanderView::MoveDown;
         using LumoCalanderView::verticalOffset;
         using LumoCalanderView::visualRegionForSelection;
-        using LumoCalanderView::MoveDown;
     } view;
     QStandardItemModel model(3, 1);
     view.setModel(&model);

@@ -239,9 +239,10 @@ void TestPagingBar::metaObjectOrder()
     QStringList methods;
     for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
         methods << QString::fromLatin1(meta.method(i).methodSignature());
-    QCOMPARE(methods, QStringList({QStringLiteral("sigPageChanged()"), QStringLiteral("sigRefresh()"), QStringLiteral("pageClick(int)"),
-                                   QStringLiteral("next_5_page()"), QStringLiteral("prev_5_page()"), QStringLiteral("first_page()"),
-                                   QStringLiteral("last_page()")}));
+    QCOMPARE(methods,
+             QStringList({QStringLiteral("sigPageChanged()"), QStringLiteral("sigRefresh()"), QStringLiteral("pageClick(int)"),
+                          QStringLiteral("next_5_page()"), QStringLiteral("prev_5_page()"), QStringLiteral("first_page()"),
+                          QStringLiteral("last_page()")}));
     QCOMPARE(meta.method(meta.methodOffset()).methodType(), QMetaMethod::Signal);
     QCOMPARE(meta.method(meta.methodOffset() + 2).methodType(), QMetaMethod::Slot);
 }
@@ -255,21 +256,26 @@ void TestPagingBar::buttonsForPage_data()
 
     const QString blank = QStringLiteral(" ");
     QTest::newRow("0 items") << 0 << 1 << QStringList({blank, blank, QStringLiteral("1"), blank, blank}) << QStringLiteral("00100 0000");
-    QTest::newRow("45 items, page 3") << 45 << 3 << QStringList({QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3"),
-                                                                 QStringLiteral("4"), QStringLiteral("5")})
+    QTest::newRow("45 items, page 3") << 45 << 3
+                                      << QStringList({QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3"), QStringLiteral("4"),
+                                                      QStringLiteral("5")})
                                       << QStringLiteral("11111 1111");
     QTest::newRow("page 1 of 20") << 200 << 1 << QStringList({blank, blank, QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3")})
                                   << QStringLiteral("00111 0011");
     QTest::newRow("page 2 of 20") << 200 << 2
-                                  << QStringList({blank, QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3"), QStringLiteral("4")})
+                                  << QStringList(
+                                         {blank, QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3"), QStringLiteral("4")})
                                   << QStringLiteral("01111 1111");
-    QTest::newRow("page 7 of 20") << 200 << 7 << QStringList({QStringLiteral("5"), QStringLiteral("6"), QStringLiteral("7"),
-                                                              QStringLiteral("8"), QStringLiteral("9")})
+    QTest::newRow("page 7 of 20") << 200 << 7
+                                  << QStringList({QStringLiteral("5"), QStringLiteral("6"), QStringLiteral("7"), QStringLiteral("8"),
+                                                  QStringLiteral("9")})
                                   << QStringLiteral("11111 1111");
-    QTest::newRow("page 18 of 20") << 200 << 18 << QStringList({QStringLiteral("16"), QStringLiteral("17"), QStringLiteral("18"),
-                                                                QStringLiteral("19"), QStringLiteral("20")})
+    QTest::newRow("page 18 of 20") << 200 << 18
+                                   << QStringList({QStringLiteral("16"), QStringLiteral("17"), QStringLiteral("18"), QStringLiteral("19"),
+                                                   QStringLiteral("20")})
                                    << QStringLiteral("11111 1111");
-    QTest::newRow("page 20 of 20") << 200 << 20 << QStringList({QStringLiteral("18"), QStringLiteral("19"), QStringLiteral("20"), blank, blank})
+    QTest::newRow("page 20 of 20") << 200 << 20
+                                   << QStringList({QStringLiteral("18"), QStringLiteral("19"), QStringLiteral("20"), blank, blank})
                                    << QStringLiteral("11100 1100");
     QTest::newRow("beyond the last page") << 200 << 25 << QStringList({blank, blank, blank, blank, blank}) << QStringLiteral("00000 1100");
     QTest::newRow("page 0") << 200 << 0 << QStringList({blank, blank, blank, QStringLiteral("1"), QStringLiteral("2")})

@@ -99,8 +99,9 @@ void TestTable::metaObjects()
     QStringList methods;
     for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
         methods << QString::fromLatin1(meta.method(i).methodSignature());
-    QCOMPARE(methods, QStringList({QStringLiteral("slotSectionResized(int,int,int)"), QStringLiteral("slotVerticalScrollRangeChanged(int,int)"),
-                                   QStringLiteral("slotTableResized(QSize)")}));
+    QCOMPARE(methods,
+             QStringList({QStringLiteral("slotSectionResized(int,int,int)"), QStringLiteral("slotVerticalScrollRangeChanged(int,int)"),
+                          QStringLiteral("slotTableResized(QSize)")}));
     const QMetaObject &resize = ResizeSignalTableWidget::staticMetaObject;
     QCOMPARE(resize.methodCount() - resize.methodOffset(), 1);
     QCOMPARE(resize.method(resize.methodOffset()).methodSignature(), QByteArray("sigResized(QSize)"));
@@ -173,10 +174,9 @@ void TestTable::distribution_data()
         << QList<Column>({{150, true, 0.0}, {100, true, 1.0}}) << 800.0 << QList<int>({150, 650, 12});
     QTest::newRow("a non-resizable ratio column keeps its width")
         << QList<Column>({{150, false, 0.7}, {100, true, 0.5}}) << 850.0 << QList<int>({150, 350, 12});
-    QTest::newRow("shares above one overflow") << QList<Column>({{50, true, 0.8}, {50, true, 0.8}}) << 500.0
-                                               << QList<int>({400, 400, 12});
-    QTest::newRow("shares below one leave a gap") << QList<Column>({{50, true, 0.25}, {50, true, 0.25}}) << 800.0
-                                                  << QList<int>({200, 200, 12});
+    QTest::newRow("shares above one overflow") << QList<Column>({{50, true, 0.8}, {50, true, 0.8}}) << 500.0 << QList<int>({400, 400, 12});
+    QTest::newRow("shares below one leave a gap")
+        << QList<Column>({{50, true, 0.25}, {50, true, 0.25}}) << 800.0 << QList<int>({200, 200, 12});
 }
 
 void TestTable::distribution()

@@ -105,15 +105,42 @@ void TestTree::homeOrdering_data()
     QTest::addColumn<QString>("rightText");
     QTest::addColumn<bool>("less");
 
-    QTest::newRow("by text") << "a" << "Alpha" << "b" << "Beta" << true;
-    QTest::newRow("by text, reversed") << "b" << "Beta" << "a" << "Alpha" << false;
-    QTest::newRow("nothing is less than home") << "a" << "Alpha" << "home" << "Zulu" << false;
-    QTest::newRow("not even with a smaller text") << "x" << "" << "home" << "home" << false;
-    QTest::newRow("home on the left compares by text") << "home" << "Alpha" << "b" << "Beta" << true;
-    QTest::newRow("home on the left, larger text") << "home" << "Zulu" << "b" << "Beta" << false;
-    QTest::newRow("home against home") << "home" << "Alpha" << "home" << "Beta" << false;
-    QTest::newRow("case-sensitive name") << "a" << "Alpha" << "Home" << "Beta" << true;
-    QTest::newRow("text alone does not count") << "a" << "Alpha" << "docs" << "home" << true;
+    QTest::newRow("by text") << "a"
+                             << "Alpha"
+                             << "b"
+                             << "Beta" << true;
+    QTest::newRow("by text, reversed") << "b"
+                                       << "Beta"
+                                       << "a"
+                                       << "Alpha" << false;
+    QTest::newRow("nothing is less than home") << "a"
+                                               << "Alpha"
+                                               << "home"
+                                               << "Zulu" << false;
+    QTest::newRow("not even with a smaller text") << "x"
+                                                  << ""
+                                                  << "home"
+                                                  << "home" << false;
+    QTest::newRow("home on the left compares by text") << "home"
+                                                       << "Alpha"
+                                                       << "b"
+                                                       << "Beta" << true;
+    QTest::newRow("home on the left, larger text") << "home"
+                                                   << "Zulu"
+                                                   << "b"
+                                                   << "Beta" << false;
+    QTest::newRow("home against home") << "home"
+                                       << "Alpha"
+                                       << "home"
+                                       << "Beta" << false;
+    QTest::newRow("case-sensitive name") << "a"
+                                         << "Alpha"
+                                         << "Home"
+                                         << "Beta" << true;
+    QTest::newRow("text alone does not count") << "a"
+                                               << "Alpha"
+                                               << "docs"
+                                               << "home" << true;
 }
 
 void TestTree::homeOrdering()
@@ -143,12 +170,16 @@ void TestTree::validator_data()
     QTest::addColumn<QString>("shown");
 
     for (QChar forbidden : QStringLiteral("\\/:*?\"<>|"))
-        QTest::addRow("inner %c", forbidden.toLatin1()) << QStringLiteral("ab") + forbidden + QStringLiteral("cd") << QStringLiteral("abcd");
+        QTest::addRow("inner %c", forbidden.toLatin1())
+            << QStringLiteral("ab") + forbidden + QStringLiteral("cd") << QStringLiteral("abcd");
     for (QChar forbidden : QStringLiteral(".\\/:*?\"<>|"))
         QTest::addRow("leading %c", forbidden.toLatin1()) << forbidden + QStringLiteral("name") << QStringLiteral("name");
-    QTest::newRow("inner dot") << "report.final.txt" << "report.final.txt";
-    QTest::newRow("leading blank") << " notes" << " notes";
-    QTest::newRow("every forbidden character") << "x\\/:*?\"<>|y" << "xy";
+    QTest::newRow("inner dot") << "report.final.txt"
+                               << "report.final.txt";
+    QTest::newRow("leading blank") << " notes"
+                                   << " notes";
+    QTest::newRow("every forbidden character") << "x\\/:*?\"<>|y"
+                                               << "xy";
 }
 
 void TestTree::validator()
@@ -212,7 +243,7 @@ void TestTree::escapeWhileRenaming()
     tree.resize(scaled(300), scaled(200));
     tree.show();
     QVERIFY(QTest::qWaitForWindowExposed(&tree));
-    QSignalSpy spy(&delegate, SIGNAL(sigKeyPressed(QKeyEvent*)));
+    QSignalSpy spy(&delegate, SIGNAL(sigKeyPressed(QKeyEvent *)));
     QPointer<QLineEdit> editor = startRenaming(tree, item);
     QVERIFY(editor);
     QTest::keyClicks(editor, QStringLiteral("changed"));
@@ -264,7 +295,7 @@ void TestTree::focusInReannouncesCurrentItem()
     QVERIFY(QTest::qWaitForWindowActive(&window));
     other->setFocus();
     QTRY_VERIFY(other->hasFocus());
-    QSignalSpy spy(tree, SIGNAL(currentItemChanged(QTreeWidgetItem*,QTreeWidgetItem*)));
+    QSignalSpy spy(tree, SIGNAL(currentItemChanged(QTreeWidgetItem *, QTreeWidgetItem *)));
     tree->setFocus(Qt::TabFocusReason);
     QTRY_VERIFY(tree->hasFocus());
     QCOMPARE(tree->currentItem(), tree->topLevelItem(4));
@@ -292,11 +323,12 @@ void TestTree::checkRectAfterPainting()
     tree.viewport()->grab();
     QVERIFY(!g_check_rect.isNull());
     const QRect row = tree.visualItemRect(checkable);
-    QVERIFY2(row.contains(g_check_rect.center()), qPrintable(QStringLiteral("%1,%2 %3x%4")
-                                                                 .arg(g_check_rect.x())
-                                                                 .arg(g_check_rect.y())
-                                                                 .arg(g_check_rect.width())
-                                                                 .arg(g_check_rect.height())));
+    QVERIFY2(row.contains(g_check_rect.center()),
+             qPrintable(QStringLiteral("%1,%2 %3x%4")
+                            .arg(g_check_rect.x())
+                            .arg(g_check_rect.y())
+                            .arg(g_check_rect.width())
+                            .arg(g_check_rect.height())));
     QVERIFY(g_check_rect.width() > 0 && g_check_rect.width() < row.width() / 2);
 }
 
@@ -367,8 +399,8 @@ void TestTree::rightClickAndKeySignals()
     tree.resize(scaled(300), scaled(200));
     tree.show();
     QVERIFY(QTest::qWaitForWindowExposed(&tree));
-    QSignalSpy right(&tree, SIGNAL(sigMouseRightClickEvent(QMouseEvent*)));
-    QSignalSpy key(&tree, SIGNAL(sigKeyPressEvent(QKeyEvent*)));
+    QSignalSpy right(&tree, SIGNAL(sigMouseRightClickEvent(QMouseEvent *)));
+    QSignalSpy key(&tree, SIGNAL(sigKeyPressEvent(QKeyEvent *)));
     const QPoint second = tree.visualItemRect(tree.topLevelItem(1)).center();
     QTest::mouseClick(tree.viewport(), Qt::LeftButton, {}, second);
     QCOMPARE(right.count(), 0);

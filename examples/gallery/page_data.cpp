@@ -202,7 +202,8 @@ QWidget *createPage()
     layout->addWidget(label(QStringLiteral("Paging, dates, a table with a separate header and a folder tree."), "note"));
 
     layout->addWidget(label(QStringLiteral("Paging bar"), "section"));
-    layout->addWidget(label(QStringLiteral("3,250 generated rows, eight per page. The current page always sits in the middle button."), "note"));
+    layout->addWidget(
+        label(QStringLiteral("3,250 generated rows, eight per page. The current page always sits in the middle button."), "note"));
     layout->addWidget(new PagedList);
 
     layout->addSpacing(gallery::px(8));

@@ -30,8 +30,7 @@ const char *const todayButtonName = "qt_calendar_today_button";
 
 // QCalendarWidget's children are found by Qt's object names; a Qt whose calendar
 // names them otherwise loses only the restyling of that child.
-template<typename T>
-T *child(const QObject *parent, const char *name)
+template<typename T> T *child(const QObject *parent, const char *name)
 {
     T *found = parent->findChild<T *>(QLatin1String(name));
     if (!found)
@@ -77,7 +76,7 @@ LumoCalanderView::LumoCalanderView(QWidget *parent)
     connect(calendar, SIGNAL(activated(QDate)), this, SIGNAL(sigDateSelect(QDate)));
     connect(calendar, SIGNAL(clicked(QDate)), this, SIGNAL(sigDateSelect(QDate)));
     connect(todayButton, SIGNAL(clicked()), this, SLOT(selectToday()));
-    connect(calendar, SIGNAL(currentPageChanged(int,int)), this, SLOT(pageChanged(int,int)));
+    connect(calendar, SIGNAL(currentPageChanged(int, int)), this, SLOT(pageChanged(int, int)));
 }
 
 LumoCalanderView::~LumoCalanderView() = default;
@@ -276,9 +275,7 @@ QRect LumoCalanderView::visualRect(const QModelIndex &) const
     return QRect();
 }
 
-void LumoCalanderView::scrollTo(const QModelIndex &, ScrollHint)
-{
-}
+void LumoCalanderView::scrollTo(const QModelIndex &, ScrollHint) { }
 
 QModelIndex LumoCalanderView::indexAt(const QPoint &) const
 {
@@ -306,9 +303,7 @@ bool LumoCalanderView::isIndexHidden(const QModelIndex &) const
     return true;
 }
 
-void LumoCalanderView::setSelection(const QRect &, QItemSelectionModel::SelectionFlags)
-{
-}
+void LumoCalanderView::setSelection(const QRect &, QItemSelectionModel::SelectionFlags) { }
 
 QRegion LumoCalanderView::visualRegionForSelection(const QItemSelection &) const
 {

@@ -121,8 +121,8 @@ void LumoTableWidget::initailze()
     layout->addWidget(headerScrollArea);
     layout->addWidget(table);
 
-    connect(header, SIGNAL(sectionResized(int,int,int)), this, SLOT(slotSectionResized(int,int,int)));
-    connect(table->verticalScrollBar(), SIGNAL(rangeChanged(int,int)), this, SLOT(slotVerticalScrollRangeChanged(int,int)));
+    connect(header, SIGNAL(sectionResized(int, int, int)), this, SLOT(slotSectionResized(int, int, int)));
+    connect(table->verticalScrollBar(), SIGNAL(rangeChanged(int, int)), this, SLOT(slotVerticalScrollRangeChanged(int, int)));
     // The header follows the rows sideways, never the other way round.
     connect(table->horizontalScrollBar(), SIGNAL(valueChanged(int)), headerScrollArea->horizontalScrollBar(), SLOT(setValue(int)));
     connect(table, SIGNAL(sigResized(QSize)), this, SLOT(slotTableResized(QSize)));
