@@ -438,6 +438,13 @@ void TestMessages::widthHeightAndScrollArea()
     QCOMPARE(sheet.width(), px(325));
     QCOMPARE(sheet.height(), px(175));
 
+    sheet.setSpacing(11, 21, 13, 31);
+    auto *main = qobject_cast<QBoxLayout *>(sheet.layout());
+    QCOMPARE(main->itemAt(main->count() - 1)->widget(), sheet.findChild<QDialogButtonBox *>());
+    QCOMPARE(main->itemAt(main->count() - 2)->spacerItem()->sizeHint().height(), px(31));
+    sheet.setButtonBoxSpacing(7);
+    QCOMPARE(sheet.findChild<QDialogButtonBox *>()->layout()->spacing(), px(7));
+
     sheet.setScrollArea(301, 101);
     auto *area = sheet.findChild<QScrollArea *>(QStringLiteral("messageSheetScrollArea"));
     QVERIFY(area);
@@ -600,9 +607,14 @@ void TestMessages::doubleConfirm()
 
     bool swallowedWhileDisabled = false;
     QList<bool> states;
+    QList<QWidget *> tabStops;
     const int result = execWith(sheet, [&] {
         typeKey(window.get(), Qt::Key_Return);
         swallowedWhileDisabled = sheet->isVisible();
+        for (int i = 0; i < 6; ++i) {
+            typeKey(window.get(), Qt::Key_Tab);
+            tabStops << QApplication::focusWidget();
+        }
         QTest::mouseClick(box, Qt::LeftButton);
         states << apply->isEnabled();
         QTest::mouseClick(box, Qt::LeftButton);
@@ -612,6 +624,12 @@ void TestMessages::doubleConfirm()
         QTest::mouseClick(apply, Qt::LeftButton);
     });
     QVERIFY(swallowedWhileDisabled);
+    // Tab passes over the disabled Apply and still reaches the text, box and Cancel.
+    QVERIFY(!tabStops.contains(apply));
+    QVERIFY(tabStops.contains(box));
+    QVERIFY(tabStops.contains(sheet->button(QMessageBox::Discard)));
+    QVERIFY(tabStops.contains(sheet->findChild<QWidget *>(QStringLiteral("messageSheetText"))));
+    QCOMPARE(tabStops.mid(3, 3), tabStops.mid(0, 3));
     QCOMPARE(states, QList<bool>({true, false, true, true}));
     QCOMPARE(result, Apply);
 

@@ -726,6 +726,10 @@ void LumoMessageSheet::showEvent(QShowEvent *event)
     for (QWidget *widget : std::as_const(d->focusList)) {
         if (widget->focusPolicy() == Qt::NoFocus)
             continue;
+        // The window's tab order follows the list: the chain is creation order otherwise
+        // (re-initialised buttons come last), and the walk would skip what lies before them.
+        if (d->lastFocusWidget)
+            QWidget::setTabOrder(d->lastFocusWidget, widget);
         if (!d->firstFocusWidget)
             d->firstFocusWidget = widget;
         d->lastFocusWidget = widget;
