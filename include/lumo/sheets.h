@@ -216,4 +216,235 @@ public:
  */
 LUMO_EXPORT void SHAPISetCloseButtonOfWindowEnable(QWidget *widget, bool enable, void **reserved = nullptr);
 
+// ---------------------------------------------------------------------------
+// Message sheet, input sheet and countdown message box
+// ---------------------------------------------------------------------------
+
+#include <QLabel>
+#include <QMessageBox>
+#include <QProxyStyle>
+#include <QString>
+#include <QTimer>
+
+class QAbstractButton;
+class QPushButton;
+class QLineEdit;
+class LumoMessageSheetPrivate;
+class LumoInputSheetPrivate;
+
+/** Captions that replace a message sheet's default button texts; an empty one keeps the default. */
+struct MsgBoxCustomBtnText {
+    QString okText;
+    QString cancelText;
+    QString resetText;
+};
+
+/** A word-wrapped label that always takes exactly the height its text needs at its width. */
+class LUMO_EXPORT MessageLabel : public QLabel
+{
+    Q_OBJECT
+public:
+    explicit MessageLabel(QWidget *parent = nullptr);
+    ~MessageLabel() override;
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    Q_DISABLE_COPY(MessageLabel)
+};
+
+/** Proxy style that gives a dialog button box the same (Windows) button order on every platform. */
+class LUMO_EXPORT DialogButtonBoxStyle : public QProxyStyle
+{
+    Q_OBJECT
+public:
+    DialogButtonBoxStyle();
+    ~DialogButtonBoxStyle() override;
+
+    int styleHint(StyleHint hint, const QStyleOption *option = nullptr, const QWidget *widget = nullptr,
+                  QStyleHintReturn *returnData = nullptr) const override;
+
+private:
+    Q_DISABLE_COPY(DialogButtonBoxStyle)
+};
+
+/**
+ * The library's message box: a sheet laid over its window behind a LumoMask,
+ * with an icon, a text, an optional informative text, an optional
+ * double-confirm check box and a row of standard buttons.
+ *
+ * exec() blocks like a modal dialog by running a local event loop and returns
+ * the standard-button value of the button that ended it (Ok 0x400, Apply
+ * 0x2000000, Discard 0x800000, Reset 0x4000000), the code given to done(),
+ * or 0 for quit(). The cancelling button is always Discard. While it runs, the
+ * window's close button is disabled and the user cannot close the window; if
+ * the application closes or destroys the window, exec() returns 0.
+ */
+class LUMO_EXPORT LumoMessageSheet : public LumoSheet
+{
+    Q_OBJECT
+public:
+    enum MessageType {
+        AppNotice = 0,
+        Information = 1,
+        Warning = 2,
+        Confirm = 3,
+        ConfirmWithReset = 4,
+        Upgrading = 5,
+        WarningConfirm = 6,
+        Processing = 7
+    };
+    Q_ENUM(MessageType)
+
+    LumoMessageSheet(MessageType type, const QString &text, const MsgBoxCustomBtnText &texts, QWidget *parent, bool showIcon = true);
+    LumoMessageSheet(MessageType type, QWidget *parent, bool showIcon = true);
+    LumoMessageSheet(MessageType type, const QString &text, QWidget *parent, bool showIcon = true);
+    LumoMessageSheet(MessageType type, const QString &text, const QString &informativeText, QWidget *parent, bool showIcon = true);
+    /** A Processing sheet showing the animation read from @p moviePath, 32 pixels square. */
+    LumoMessageSheet(const QString &text, const QString &moviePath, QWidget *parent);
+    ~LumoMessageSheet() override;
+
+    /** Replaces the main text by a new label; @p styleSheet empty: the house text style. */
+    void setText(const QString &text, const QString &styleSheet = QString());
+    /** Sets the informative text; an existing label keeps its first style sheet. Empty text removes it. */
+    void setInformativeText(const QString &text, const QString &styleSheet = QString());
+    void setIcon(const QPixmap &pixmap);
+    /** Re-initialises the sheet: button captions return to their defaults. */
+    void setIconVisible(bool visible);
+    /** Re-initialises the sheet: button captions return to their defaults. */
+    void setMessageType(MessageType type);
+    /** With @p on, Apply stays disabled until the box beside @p text is ticked. Re-initialises the sheet. */
+    void setDoubleConfirmCheckBox(bool on, const QString &text);
+    void setBlockWindowButton(bool block);
+
+    QAbstractButton *button(QMessageBox::StandardButton which) const;
+    /** Null is ignored. */
+    void setDefaultButton(QPushButton *button);
+
+    /** Design pixels including a 10-pixel allowance: each margin becomes max(v, 10) - 10, scaled. */
+    void setLayoutMargins(int left, int top, int right, int bottom);
+    /** Fixed width of the content @p w plus the shadow allowance of 24, scaled. */
+    void setWidth(int w);
+    /** Fixed height of the content @p h plus the shadow allowance of 24, scaled. */
+    void setHeight(int h);
+    void setSpacing(int textSpacing, int iconSpacing, int checkBoxSpacing, int buttonBoxSpacing);
+    /** Spacing between the buttons, in design pixels. */
+    void setButtonBoxSpacing(int spacing);
+    /** Puts the icon and texts into a scroll area of that size (design pixels). */
+    void setScrollArea(int width, int height);
+
+    /** Shows the sheet without blocking; it ends through its buttons or done(). */
+    virtual void showSheet();
+    int exec();
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+public Q_SLOTS:
+    void done(int result);
+    void quit();
+    void buttonClick(QAbstractButton *button);
+    void slotChangeApplyButtonStatus(int state);
+
+protected:
+    void showEvent(QShowEvent *event) override;
+    bool focusNextPrevChild(bool next) override;
+
+private:
+    Q_DISABLE_COPY(LumoMessageSheet)
+    friend class LumoMessageSheetPrivate;
+
+    LumoMessageSheetPrivate *d;
+    bool blockWindowButton;
+};
+
+/**
+ * A sheet asking for one line of text, with Ok and Cancel. exec() returns
+ * 0x400 (Ok), 0x800000 (Discard, the cancel button) or 0 (quit(), or the
+ * window closed or destroyed by the application).
+ */
+class LUMO_EXPORT LumoInputSheet : public LumoSheet
+{
+    Q_OBJECT
+public:
+    explicit LumoInputSheet(QWidget *parent);
+    LumoInputSheet(const QString &text, QWidget *parent);
+    ~LumoInputSheet() override;
+
+    /** The prompt, shown with a scaled 20-pixel line height. */
+    void setText(const QString &text);
+    QLineEdit *getLineEdit();
+    QString getContent();
+
+    QAbstractButton *button(QMessageBox::StandardButton which) const;
+    /** Null is ignored. */
+    void setDefaultButton(QPushButton *button);
+    void setBlockWindowButton(bool block);
+
+    /** Shows the sheet without blocking and focuses the line edit. */
+    virtual void showSheet();
+    int exec();
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+public Q_SLOTS:
+    void done(int result);
+    void quit();
+    void buttonClick(QAbstractButton *button);
+
+private:
+    Q_DISABLE_COPY(LumoInputSheet)
+    friend class LumoInputSheetPrivate;
+
+    LumoInputSheetPrivate *d;
+    bool blockWindowButton;
+};
+
+/**
+ * A message box whose Ok button counts down the seconds and clicks itself when
+ * the count runs out. The number drops by one at the moment the box is shown,
+ * so a count of 3 waits three whole seconds after showing.
+ */
+class LUMO_EXPORT LumoCountdownMessageBox : public QMessageBox
+{
+    Q_OBJECT
+public:
+    LumoCountdownMessageBox(int seconds, QWidget *parent = nullptr);
+    ~LumoCountdownMessageBox() override;
+
+    /** Ok reads "<ok>(<seconds>)". */
+    void updateButtonText();
+
+public Q_SLOTS:
+    void slotTick();
+
+protected:
+    void showEvent(QShowEvent *event) override;
+
+private:
+    Q_DISABLE_COPY(LumoCountdownMessageBox)
+    void step();
+
+    QTimer timer;
+    int remainingSeconds;
+};
+
+/** Information message over @p parent's window; a plain QMessageBox titled @p title when @p parent is null. */
+LUMO_EXPORT void showInfoMsg(const QString &title, const QString &text, QWidget *parent, bool showIcon = true);
+/** Warning message; see showInfoMsg(). */
+LUMO_EXPORT void showWarningMsg(const QString &title, const QString &text, QWidget *parent, bool showIcon = true);
+/** Warning message with an informative text; see showInfoMsg(). */
+LUMO_EXPORT void showWarningMsg(const QString &title, const QString &text, const QString &informativeText, QWidget *parent,
+                                bool showIcon = true);
+/**
+ * Asks for confirmation. Test the result for QMessageBox::Apply: "no" is
+ * Discard from a sheet but Cancel from the parentless message box.
+ */
+LUMO_EXPORT int showConfirmMsg(const QString &title, const QString &text, QWidget *parent, bool showIcon = true);
+/** As showConfirmMsg(), with the button captions of @p texts. */
+LUMO_EXPORT int showConfirmMsgCustomBtn(const QString &title, const QString &text, const MsgBoxCustomBtnText &texts, QWidget *parent,
+                                        bool showIcon = true);
+/** The upgrade offer; see showInfoMsg(). */
+LUMO_EXPORT void showUpgradingMsg(const QString &title, const QString &text, QWidget *parent, bool showIcon = true);
+
 #endif
