@@ -63,7 +63,7 @@ int main(int argc, char **argv)
     gallery::startUp({gallery::defaultThemeDir(), userData.path(), QStringLiteral("enu")});
     QTextStream out(stdout);
 
-    for (int count : {500, 1000, 2000, 5000}) {
+    for (int count : {10, 500, 1000, 2000, 5000}) {
         const QStringList first = segments(count, 1);
         const QStringList second = segments(count, 2);
 
