@@ -283,4 +283,208 @@ Q_DECLARE_METATYPE(LumoMenu)
 Q_DECLARE_METATYPE(LumoLineEdit)
 Q_DECLARE_METATYPE(LumoLabel)
 
+// ---------------------------------------------------------------------------
+// Combo boxes, path bar, filter bar, footbar and shaded scroll area
+// ---------------------------------------------------------------------------
+
+#include <QComboBox>
+#include <QLineEdit>
+#include <QScrollArea>
+#include <QTableWidget>
+
+#include <string>
+#include <vector>
+
+class QSignalMapper;
+
+/**
+ * A drop-down list in the house look whose popup opens two pixels below the
+ * box, left-aligned with it, instead of over it.
+ */
+class LUMO_EXPORT LumoComboBox : public QComboBox
+{
+    Q_OBJECT
+public:
+    explicit LumoComboBox(QWidget *parent = nullptr);
+    ~LumoComboBox() override;
+
+    void showPopup() override;
+
+private:
+    Q_DISABLE_COPY(LumoComboBox)
+};
+
+/**
+ * A combo box of times of day ("hh:mm"). The owner adds the rows. When
+ * editable, the user may type a time: it is validated while typing,
+ * normalised when editing ends, and shown in an extra custom row when it
+ * matches no row.
+ */
+class LUMO_EXPORT LumoTimeComboBox : public LumoComboBox
+{
+    Q_OBJECT
+public:
+    explicit LumoTimeComboBox(QWidget *parent = nullptr);
+    ~LumoTimeComboBox() override;
+
+    /** Adds the custom row (hidden) and the time validator, or removes the row again. */
+    void setEditable(bool editable);
+    /** Shows or hides the custom row; only an editable box has one. */
+    void setItemVisible(bool visible);
+    /** The number of rows the popup shows, not counting a hidden custom row. */
+    void setMaxVisibleItems(int maxItems);
+    void adjustMaxVisibleItems();
+    /** Selects the row of @p text (UTF-8); an editable box shows an unknown time in the custom row. */
+    void setCurrentText(const std::string &text);
+    /** As setCurrentText, but only remembers the row as the one empty input returns to. */
+    void setDefault(const std::string &text);
+    /** A suffix shown after the time in the custom row; applies to the next label built. */
+    void setCustomText(const QString &text);
+    /** Normalises the typed text to "hh:mm" and selects its row or the custom row. */
+    void correctTime();
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    Q_DISABLE_COPY(LumoTimeComboBox)
+    QString customLabel(const QString &time) const;
+    void showCustomRow(bool visible);
+    bool customRowHidden() const;
+    int findRow(const QString &text) const;
+    /** Shared by setCurrentText and setDefault: the row chosen for @p text. */
+    int chooseRow(const QString &text);
+
+    int customIndex;
+    int defaultIndex;
+    int maxVisible;
+    QString customText;
+};
+
+/**
+ * A breadcrumb bar for a slash-separated path: one flat button per segment
+ * with arrows between them. A click emits sigUpdatePath() with the path up to
+ * that segment; the bar never navigates by itself. When the row is wider than
+ * the bar it scrolls to its right end and a folder button in its left corner
+ * lists the segments out of sight.
+ */
+class LUMO_EXPORT LumoButtonPath : public QTableWidget
+{
+    Q_OBJECT
+public:
+    explicit LumoButtonPath(QWidget *parent = nullptr);
+    ~LumoButtonPath() override;
+
+    /** Rebuilds the row for @p path. Call it once the bar has its real width. */
+    void refresh(QString path);
+    /** The path up to the button at list index @p index, without a leading slash. */
+    QString getPath(int index);
+    void updateColumnSize();
+    void setChangeFolderBtn(int totalWidth);
+
+Q_SIGNALS:
+    void sigUpdatePath(QString path);
+
+public Q_SLOTS:
+    void slotUpdatePath(QString path);
+    void slotPathBarClicked(int index);
+
+private:
+    Q_DISABLE_COPY(LumoButtonPath)
+
+    QList<QPushButton *> buttons;
+    QToolButton *changeFolderBtn;
+    int viewWidth;
+    QSignalMapper *nameMapper;
+    QSignalMapper *menuMapper;
+};
+
+/**
+ * A search field with a drop-down button at its left end that can carry a
+ * menu of filter choices. Return delivers the keyword; Down opens the menu.
+ */
+class LUMO_EXPORT LumoFilterBar : public QLineEdit
+{
+    Q_OBJECT
+public:
+    explicit LumoFilterBar(QWidget *parent = nullptr);
+    ~LumoFilterBar() override;
+
+    /** The bar does not take ownership of @p menu. */
+    void setMenu(QMenu *menu);
+
+Q_SIGNALS:
+    void sigKeywordChanged(QString keyword);
+
+public Q_SLOTS:
+    void slotKeywordChange();
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    Q_DISABLE_COPY(LumoFilterBar)
+
+    LumoIconButton *searchButton;
+};
+
+/**
+ * The button row at the bottom of a page or sheet: a left and a right group
+ * separated by a stretch. Push the widgets, then call init() once.
+ */
+class LUMO_EXPORT LumoFootbar : public QWidget
+{
+public:
+    explicit LumoFootbar(QWidget *parent = nullptr);
+    ~LumoFootbar() override;
+
+    void pushLeftWidget(QWidget *widget);
+    void pushRightWidget(QWidget *widget);
+    /** Lays out the pushed widgets; widgets pushed later are the owner's to place. */
+    void init();
+    /** Design pixels, scaled to the screen and truncated. */
+    void setMargins(int left, int top, int right, int bottom);
+    void setSpacing(int spacing);
+
+private:
+    Q_DISABLE_COPY(LumoFootbar)
+
+    QHBoxLayout *layout;
+    std::vector<QWidget *> leftWidgets;
+    std::vector<QWidget *> rightWidgets;
+};
+
+/**
+ * A borderless white area that scrolls vertically and shades its bottom edge
+ * while more content lies below.
+ */
+class LUMO_EXPORT LumoVerticalScrollArea : public QScrollArea
+{
+    Q_OBJECT
+public:
+    explicit LumoVerticalScrollArea(QWidget *parent = nullptr);
+    ~LumoVerticalScrollArea() override;
+
+    /**
+     * The shade's height: a fraction of the area's height up to 1.0, pixels
+     * above. Takes effect at the next scroll or when the scroll bar appears.
+     */
+    void setShadowSize(double size);
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+public Q_SLOTS:
+    void slotScrollValueChanged(int value);
+
+private:
+    Q_DISABLE_COPY(LumoVerticalScrollArea)
+
+    double shadowSize;
+};
+
+Q_DECLARE_METATYPE(LumoComboBox)
+Q_DECLARE_METATYPE(LumoTimeComboBox)
+Q_DECLARE_METATYPE(LumoButtonPath)
+Q_DECLARE_METATYPE(LumoFilterBar)
+Q_DECLARE_METATYPE(LumoVerticalScrollArea)
+
 #endif
