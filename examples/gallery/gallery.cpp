@@ -6,10 +6,12 @@
 #include <QHBoxLayout>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QLabel>
 #include <QListWidget>
 #include <QScrollArea>
 #include <QStackedWidget>
 #include <QTextStream>
+#include <QVBoxLayout>
 
 #include <algorithm>
 
@@ -50,6 +52,36 @@ std::vector<Page> pages()
 int px(double designPixels)
 {
     return int(DPIinfo::getInstance()->getDPI() * designPixels);
+}
+
+QLabel *label(const QString &text, const char *role)
+{
+    auto *l = new QLabel(text);
+    l->setProperty("galleryRole", QString::fromLatin1(role));
+    l->setWordWrap(true);
+    return l;
+}
+
+ScrollingPage scrollingPage(const QString &title, int spacing)
+{
+    auto *page = new QWidget;
+    auto *outer = new QVBoxLayout(page);
+    outer->setContentsMargins(0, 0, 0, 0);
+    auto *scroll = new QScrollArea;
+    scroll->setObjectName(QStringLiteral("galleryScroll"));
+    scroll->setWidgetResizable(true);
+    scroll->setFrameShape(QFrame::NoFrame);
+    outer->addWidget(scroll);
+
+    auto *content = new QWidget;
+    content->setObjectName(QStringLiteral("galleryContent"));
+    content->setStyleSheet(QStringLiteral("QWidget#galleryContent { background: #FFFFFF; }"));
+    auto *layout = new QVBoxLayout(content);
+    layout->setContentsMargins(px(24), px(20), px(24), px(20));
+    layout->setSpacing(px(spacing));
+    layout->addWidget(label(title, "title"));
+    scroll->setWidget(content);
+    return {page, scroll, layout};
 }
 
 QString defaultThemeDir()

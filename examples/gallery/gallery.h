@@ -9,7 +9,10 @@
 #include <functional>
 #include <vector>
 
+class QLabel;
 class QListWidget;
+class QScrollArea;
+class QVBoxLayout;
 class QStackedWidget;
 class QTextStream;
 
@@ -45,6 +48,16 @@ QString captionLanguage(const QString &themeDir, const QString &requested);
 QMap<QString, QString> readCaptions(const QString &file);
 /** Design pixels at 72 DPI scaled to the screen, as the library's widgets size themselves. */
 int px(double designPixels);
+/** A word-wrapped label in one of the gallery's roles: "title", "section" or "note". */
+QLabel *label(const QString &text, const char *role);
+
+/** A long page: a borderless scroll area named "galleryScroll" around a white column that starts with the title. */
+struct ScrollingPage {
+    QWidget *page;
+    QScrollArea *scroll;
+    QVBoxLayout *layout; // the column; add the page's sections here
+};
+ScrollingPage scrollingPage(const QString &title, int spacing = 8);
 
 class MainWindow : public QMainWindow
 {

@@ -11,12 +11,7 @@
 
 namespace
 {
-QLabel *label(const QString &text, const char *role)
-{
-    auto *l = new QLabel(text);
-    l->setProperty("galleryRole", QString::fromLatin1(role));
-    return l;
-}
+using gallery::label;
 
 QHBoxLayout *row(QVBoxLayout *parent, int spacing = 10)
 {
@@ -240,30 +235,15 @@ void addLabels(QVBoxLayout *layout)
 
 QWidget *createPage()
 {
-    auto *page = new QWidget;
-    auto *outer = new QVBoxLayout(page);
-    outer->setContentsMargins(0, 0, 0, 0);
-    auto *scroll = new QScrollArea;
-    scroll->setObjectName(QStringLiteral("galleryScroll"));
-    scroll->setWidgetResizable(true);
-    scroll->setFrameShape(QFrame::NoFrame);
-    outer->addWidget(scroll);
-
-    auto *content = new QWidget;
-    content->setObjectName(QStringLiteral("galleryContent"));
-    content->setStyleSheet(QStringLiteral("QWidget#galleryContent { background: #FFFFFF; }"));
-    auto *layout = new QVBoxLayout(content);
-    layout->setContentsMargins(gallery::px(24), gallery::px(20), gallery::px(24), gallery::px(20));
-    layout->setSpacing(gallery::px(10));
-    layout->addWidget(label(QStringLiteral("Buttons & inputs"), "title"));
+    const gallery::ScrollingPage frame = gallery::scrollingPage(QStringLiteral("Buttons & inputs"), 10);
+    QVBoxLayout *layout = frame.layout;
     addPushButtons(layout);
     addIconButtons(layout);
     addChoices(layout);
     addLineEdits(layout);
     addLabels(layout);
     layout->addStretch(1);
-    scroll->setWidget(content);
-    return page;
+    return frame.page;
 }
 
 void stagePage(QWidget *page)

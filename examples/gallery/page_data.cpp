@@ -11,13 +11,7 @@
 
 namespace
 {
-QLabel *label(const QString &text, const char *role)
-{
-    auto *l = new QLabel(text);
-    l->setProperty("galleryRole", QString::fromLatin1(role));
-    l->setWordWrap(true);
-    return l;
-}
+using gallery::label;
 
 const char *const owners[] = {"Ada", "Grace", "Linus", "Margaret", "Dennis", "Barbara"};
 const char *const kinds[] = {"Invoice", "Contract", "Report", "Offer", "Minutes"};
@@ -183,22 +177,8 @@ QWidget *tree()
 
 QWidget *createPage()
 {
-    auto *page = new QWidget;
-    auto *outer = new QVBoxLayout(page);
-    outer->setContentsMargins(0, 0, 0, 0);
-    auto *scroll = new QScrollArea;
-    scroll->setObjectName(QStringLiteral("galleryScroll"));
-    scroll->setWidgetResizable(true);
-    scroll->setFrameShape(QFrame::NoFrame);
-    outer->addWidget(scroll);
-
-    auto *content = new QWidget;
-    content->setObjectName(QStringLiteral("galleryContent"));
-    content->setStyleSheet(QStringLiteral("QWidget#galleryContent { background: #FFFFFF; }"));
-    auto *layout = new QVBoxLayout(content);
-    layout->setContentsMargins(gallery::px(24), gallery::px(20), gallery::px(24), gallery::px(20));
-    layout->setSpacing(gallery::px(8));
-    layout->addWidget(label(QStringLiteral("Data"), "title"));
+    const gallery::ScrollingPage frame = gallery::scrollingPage(QStringLiteral("Data"));
+    QVBoxLayout *layout = frame.layout;
     layout->addWidget(label(QStringLiteral("Paging, dates, a table with a separate header and a folder tree."), "note"));
 
     layout->addWidget(label(QStringLiteral("Paging bar"), "section"));
@@ -224,8 +204,7 @@ QWidget *createPage()
                             "note"));
     layout->addWidget(tree());
     layout->addStretch(1);
-    scroll->setWidget(content);
-    return page;
+    return frame.page;
 }
 
 void stage(QWidget *page)

@@ -15,13 +15,7 @@
 
 namespace
 {
-QLabel *label(const QString &text, const char *role)
-{
-    auto *l = new QLabel(text);
-    l->setProperty("galleryRole", QString::fromLatin1(role));
-    l->setWordWrap(true);
-    return l;
-}
+using gallery::label;
 
 QString offlineHelpPath()
 {
@@ -112,22 +106,8 @@ QWidget *languageTable()
 
 QWidget *createPage()
 {
-    auto *page = new QWidget;
-    auto *outer = new QVBoxLayout(page);
-    outer->setContentsMargins(0, 0, 0, 0);
-    auto *scroll = new QScrollArea;
-    scroll->setObjectName(QStringLiteral("galleryScroll"));
-    scroll->setWidgetResizable(true);
-    scroll->setFrameShape(QFrame::NoFrame);
-    outer->addWidget(scroll);
-
-    auto *content = new QWidget;
-    content->setObjectName(QStringLiteral("galleryContent"));
-    content->setStyleSheet(QStringLiteral("QWidget#galleryContent { background: #FFFFFF; }"));
-    auto *layout = new QVBoxLayout(content);
-    layout->setContentsMargins(gallery::px(24), gallery::px(20), gallery::px(24), gallery::px(20));
-    layout->setSpacing(gallery::px(8));
-    layout->addWidget(label(QStringLiteral("Help"), "title"));
+    const gallery::ScrollingPage frame = gallery::scrollingPage(QStringLiteral("Help"));
+    QVBoxLayout *layout = frame.layout;
     layout->addWidget(label(QStringLiteral("No knowledge-base address is configured, so the help window goes straight to the "
                                            "installed offline page of the theme (help/<language>/index.html) with its pictures."),
                             "note"));
@@ -143,8 +123,7 @@ QWidget *createPage()
     right->addStretch(1);
     row->addLayout(right, 1);
     layout->addLayout(row, 1);
-    scroll->setWidget(content);
-    return page;
+    return frame.page;
 }
 
 // German context: the screenshot shows the rewritten language and its own folder.

@@ -12,13 +12,7 @@
 
 namespace
 {
-QLabel *label(const QString &text, const char *role)
-{
-    auto *l = new QLabel(text);
-    l->setProperty("galleryRole", QString::fromLatin1(role));
-    l->setWordWrap(true);
-    return l;
-}
+using gallery::label;
 
 QString resultName(int code)
 {

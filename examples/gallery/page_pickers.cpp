@@ -12,13 +12,7 @@
 
 namespace
 {
-QLabel *label(const QString &text, const char *role)
-{
-    auto *l = new QLabel(text);
-    l->setProperty("galleryRole", QString::fromLatin1(role));
-    l->setWordWrap(true);
-    return l;
-}
+using gallery::label;
 
 QWidget *row(std::initializer_list<QWidget *> widgets)
 {
@@ -101,22 +95,8 @@ QWidget *shadedArea()
 
 QWidget *createPage()
 {
-    auto *page = new QWidget;
-    auto *outer = new QVBoxLayout(page);
-    outer->setContentsMargins(0, 0, 0, 0);
-    auto *scroll = new QScrollArea;
-    scroll->setObjectName(QStringLiteral("galleryScroll"));
-    scroll->setWidgetResizable(true);
-    scroll->setFrameShape(QFrame::NoFrame);
-    outer->addWidget(scroll);
-
-    auto *content = new QWidget;
-    content->setObjectName(QStringLiteral("galleryContent"));
-    content->setStyleSheet(QStringLiteral("QWidget#galleryContent { background: #FFFFFF; }"));
-    auto *layout = new QVBoxLayout(content);
-    layout->setContentsMargins(gallery::px(24), gallery::px(20), gallery::px(24), gallery::px(20));
-    layout->setSpacing(gallery::px(8));
-    layout->addWidget(label(QStringLiteral("Pickers & bars"), "title"));
+    const gallery::ScrollingPage frame = gallery::scrollingPage(QStringLiteral("Pickers & bars"));
+    QVBoxLayout *layout = frame.layout;
 
     layout->addWidget(label(QStringLiteral("Time and plain combo boxes"), "section"));
     layout->addWidget(label(QStringLiteral("Type a time such as 9:7 and press Return: it becomes 09:07 in the custom row. "
@@ -180,11 +160,10 @@ QWidget *createPage()
     layout->addWidget(label(QStringLiteral("A grey shade at the bottom edge while more lies below; it goes at the end."), "note"));
     layout->addWidget(shadedArea());
     layout->addStretch(1);
-    scroll->setWidget(content);
 
     // The bar reads its width when it rebuilds: fill it once the page is laid out.
     QTimer::singleShot(0, path, [path] { path->refresh(path->property("galleryPath").toString()); });
-    return page;
+    return frame.page;
 }
 
 void stagePage(QWidget *page)

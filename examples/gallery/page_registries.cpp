@@ -19,12 +19,7 @@
 
 namespace
 {
-QLabel *label(const QString &text, const char *role)
-{
-    auto *l = new QLabel(text);
-    l->setProperty("galleryRole", QString::fromLatin1(role));
-    return l;
-}
+using gallery::label;
 
 QStringList manifestImages()
 {
@@ -149,22 +144,8 @@ private:
 
 QWidget *createPage()
 {
-    auto *page = new QWidget;
-    auto *outer = new QVBoxLayout(page);
-    outer->setContentsMargins(0, 0, 0, 0);
-    auto *scroll = new QScrollArea;
-    scroll->setObjectName(QStringLiteral("galleryScroll"));
-    scroll->setWidgetResizable(true);
-    scroll->setFrameShape(QFrame::NoFrame);
-    outer->addWidget(scroll);
-
-    auto *content = new QWidget;
-    content->setObjectName(QStringLiteral("galleryContent"));
-    content->setStyleSheet(QStringLiteral("QWidget#galleryContent { background: #FFFFFF; }"));
-    auto *layout = new QVBoxLayout(content);
-    layout->setContentsMargins(gallery::px(24), gallery::px(20), gallery::px(24), gallery::px(20));
-    layout->setSpacing(gallery::px(8));
-    layout->addWidget(label(QStringLiteral("Registries"), "title"));
+    const gallery::ScrollingPage frame = gallery::scrollingPage(QStringLiteral("Registries"));
+    QVBoxLayout *layout = frame.layout;
     layout->addWidget(label(QStringLiteral("Scale factor %1, device pixel ratio %2. Images are drawn at four times their display size "
                                            "and scaled once at start-up.")
                                 .arg(DPIinfo::getInstance()->getDPI())
@@ -177,8 +158,7 @@ QWidget *createPage()
     layout->addWidget(label(QStringLiteral("Images: normal, hover, click, disable"), "section"));
     layout->addWidget(imageGrid());
     layout->addStretch(1);
-    scroll->setWidget(content);
-    return page;
+    return frame.page;
 }
 }
 
