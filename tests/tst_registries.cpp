@@ -193,10 +193,20 @@ void TestRegistries::temporaryImagesAreWrittenInTheirFolderOnly()
     theme.addPng(QStringLiteral("myicon"), QSize(40, 40));
     QTemporaryDir outside;
     theme.writeManifest({}, {QStringLiteral("my icon"), QStringLiteral("../escape"), QStringLiteral("sub/../../escape")});
+    // A link planted where a temporary image goes is replaced, never written through.
+    const QString folder = theme.userData.filePath(QStringLiteral("tmp_images"));
+    const QString victim = outside.filePath(QStringLiteral("victim"));
+    QVERIFY(testsupport::writeFile(victim, "keep"));
+    QVERIFY(QDir().mkpath(folder));
+    QVERIFY(QFile::link(victim, folder + QStringLiteral("/tmp_myicon.png")));
     testsupport::LogCatcher log;
     theme.initialize(ImageManager::LoadLazily);
 
-    const QString folder = theme.userData.filePath(QStringLiteral("tmp_images"));
+    QFile kept(victim);
+    QVERIFY(kept.open(QIODevice::ReadOnly));
+    QCOMPARE(kept.readAll(), QByteArray("keep"));
+    QVERIFY(!QFileInfo(folder + QStringLiteral("/tmp_myicon.png")).isSymLink());
+    QCOMPARE(QImage(folder + QStringLiteral("/tmp_myicon.png")).isNull(), false);
     QCOMPARE(ImageManager::getInstance()->getTempImageFolder(), folder);
     QCOMPARE(ImageManager::getInstance()->getTempImageFullPath(QStringLiteral("x")), folder + QStringLiteral("/tmp_x.png"));
     QCOMPARE(ImageManager::getInstance()->getImageFullPath(QStringLiteral("x")), theme.resources.filePath(QStringLiteral("images/x.png")));

@@ -4,9 +4,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QNetworkReply>
-#include <QTemporaryFile>
-
-#include <cstdio>
 
 #ifdef Q_OS_UNIX
 #include <unistd.h>
@@ -55,18 +52,5 @@ bool isSafeCacheFileName(const QString &name)
     return QFile::encodeName(name).size() <= 255;
 }
 
-bool replaceFile(const QString &path, const QByteArray &data)
-{
-    const QFileInfo target(path);
-    QTemporaryFile temporary(target.absolutePath() + QStringLiteral("/.download-XXXXXX"));
-    if (!temporary.open() || temporary.write(data) != data.size() || !temporary.flush())
-        return false;
-    temporary.close();
-    // QFile::rename refuses to overwrite and QSaveFile writes through links; rename(2) replaces the entry itself.
-    if (std::rename(QFile::encodeName(temporary.fileName()).constData(), QFile::encodeName(target.absoluteFilePath()).constData()) != 0)
-        return false;
-    temporary.setAutoRemove(false);
-    return true;
-}
 }
 }

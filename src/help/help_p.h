@@ -39,12 +39,6 @@ bool ensurePrivateFolder(const QString &path);
 /** Whether @p name can name a file directly inside the cache folder. */
 bool isSafeCacheFileName(const QString &name);
 
-/**
- * Writes @p data to @p path through a fresh temporary file in the same folder
- * that is then renamed over @p path: whatever sits at @p path, a planted link
- * included, is replaced and never followed.
- */
-bool replaceFile(const QString &path, const QByteArray &data);
 }
 }
 

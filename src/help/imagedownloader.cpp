@@ -1,6 +1,7 @@
 #include <lumo/help.h>
 
 #include "help/help_p.h"
+#include "resources/registries_p.h"
 
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
@@ -59,7 +60,7 @@ void ImageDownloader::slotFinishDownload(QNetworkReply *reply)
     const bool ok = reply->error() == QNetworkReply::NoError && body.size() <= lumo::help::maximumBodySize;
     // A file that cannot be written is not a network error: the picture just stays missing.
     if (ok)
-        lumo::help::replaceFile(filePath, body);
+        lumo::replaceFile(filePath, body);
     body = QByteArray();
     result = ok ? 0 : -1;
     finished = true;

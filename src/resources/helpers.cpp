@@ -1,6 +1,11 @@
 #include "resources/registries_p.h"
 
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryFile>
+
 #include <cmath>
+#include <cstdio>
 #include <limits>
 
 Q_LOGGING_CATEGORY(lumoLog, "debug.message")
@@ -58,5 +63,19 @@ QString styles(std::initializer_list<const char *> keys)
 QString caption(const char *key)
 {
     return ComponentStrings::getInstance()->getString(QString::fromUtf8(key));
+}
+
+bool replaceFile(const QString &path, const QByteArray &data)
+{
+    const QFileInfo target(path);
+    QTemporaryFile temporary(target.absolutePath() + QStringLiteral("/.lumo-XXXXXX"));
+    if (!temporary.open() || temporary.write(data) != data.size() || !temporary.flush())
+        return false;
+    temporary.close();
+    // QFile::rename refuses to overwrite and QSaveFile writes through links; rename(2) replaces the entry itself.
+    if (std::rename(QFile::encodeName(temporary.fileName()).constData(), QFile::encodeName(target.absoluteFilePath()).constData()) != 0)
+        return false;
+    temporary.setAutoRemove(false);
+    return true;
 }
 }

@@ -1,11 +1,11 @@
 #include "resources/registries_p.h"
 
+#include <QBuffer>
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSaveFile>
 
 #include <cstdlib>
 
@@ -113,15 +113,10 @@ void ImageManager::prepareTempImage(const QString &name)
     if (source.isNull())
         return;
     const QPixmap scaled = scaleForScreen(source, false);
-    // QSaveFile writes beside the target and renames over it, so a link planted
-    // at the target is replaced rather than written through.
-    QSaveFile file(getTempImageFullPath(name));
-    if (!file.open(QIODevice::WriteOnly))
-        return;
-    if (scaled.save(&file, "PNG"))
-        file.commit();
-    else
-        file.cancelWriting();
+    QByteArray png;
+    QBuffer buffer(&png);
+    if (buffer.open(QIODevice::WriteOnly) && scaled.save(&buffer, "PNG"))
+        lumo::replaceFile(getTempImageFullPath(name), png);
 }
 
 QPixmap ImageManager::getImage(const QString &name, ImageManager::ImageType type)

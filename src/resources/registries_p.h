@@ -28,6 +28,12 @@ QString style(const char *key);
 QString styles(std::initializer_list<const char *> keys);
 /** The caption of @p key from ComponentStrings. */
 QString caption(const char *key);
+/**
+ * Writes @p data to @p path through a fresh temporary file in the same folder
+ * that is then renamed over @p path: whatever sits at @p path, a planted link
+ * included, is replaced and never followed.
+ */
+bool replaceFile(const QString &path, const QByteArray &data);
 
 // The style text transformations, exported for the tests that compare them with
 // the regular expressions they stand for.
