@@ -1,11 +1,8 @@
 #include "sheets/inputsheet_p.h"
 
 #include "resources/registries_p.h"
-#include "sheets/messagesheet_p.h"
 
 #include <QDialogButtonBox>
-#include <QEventLoop>
-#include <QKeyEvent>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -16,7 +13,10 @@ LumoInputSheetPrivate::LumoInputSheetPrivate(LumoInputSheet *q)
     , textLabel(new MessageLabel(q))
     , lineEdit(new QLineEdit(q))
     , buttonBox(new QDialogButtonBox(q))
+    , run(q, buttonBox)
 {
+    run.acceptButtons = {QDialogButtonBox::Ok};
+    run.quit = [q] { q->quit(); };
     textLabel->setObjectName(QStringLiteral("inputSheetText"));
     lineEdit->setObjectName(QStringLiteral("inputSheetLineEdit"));
     buttonBox->setObjectName(QStringLiteral("inputSheetButtonBox"));
@@ -55,10 +55,7 @@ void LumoInputSheetPrivate::setupLayout()
         main->addSpacing(lumo::scaled(24));
         main->addWidget(buttonBox);
     }
-    q->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Maximum);
-    q->setFixedWidth(lumo::scaled(getPreferredWidth()));
-    q->updateGeometry();
-    q->adjustSize();
+    lumo::fitSheet(q, getPreferredWidth());
 }
 
 int LumoInputSheetPrivate::getPreferredWidth() const
@@ -71,20 +68,6 @@ int LumoInputSheetPrivate::getPreferredWidth() const
     if (p < 520)
         return lumo::truncated(p - 40);
     return 480;
-}
-
-void LumoInputSheetPrivate::watchWindow()
-{
-    unwatchWindow();
-    watchedWindow = q->window();
-    watchedWindow->installEventFilter(q);
-}
-
-void LumoInputSheetPrivate::unwatchWindow()
-{
-    if (watchedWindow)
-        watchedWindow->removeEventFilter(q);
-    watchedWindow = nullptr;
 }
 
 LumoInputSheet::LumoInputSheet(QWidget *parent)
@@ -103,13 +86,7 @@ LumoInputSheet::LumoInputSheet(const QString &text, QWidget *parent)
 
 LumoInputSheet::~LumoInputSheet()
 {
-    if (d->eventLoop && d->inExec) {
-        if (blockWindowButton)
-            SHAPISetCloseButtonOfWindowEnable(this, true);
-        lumo::releaseSheetLoop(d->eventLoop);
-        d->eventLoop = nullptr;
-    }
-    d->unwatchWindow();
+    d->run.release(blockWindowButton);
 }
 
 void LumoInputSheet::setText(const QString &text)
@@ -151,72 +128,27 @@ void LumoInputSheet::setBlockWindowButton(bool block)
 void LumoInputSheet::showSheet()
 {
     show();
-    d->watchWindow();
+    d->run.watchWindow();
     d->lineEdit->setFocus(Qt::OtherFocusReason);
 }
 
 int LumoInputSheet::exec()
 {
-    if (d->inExec) {
-        qCWarning(lumoLog) << "Cannot run a sheet that is already running";
+    if (!d->run.begin(blockWindowButton))
         return 0;
-    }
-    show();
-    if (blockWindowButton)
-        SHAPISetCloseButtonOfWindowEnable(this, false);
-    d->watchWindow();
     setFocus(Qt::TabFocusReason);
     d->lineEdit->setFocus(Qt::OtherFocusReason);
-    if (d->eventLoop)
-        d->eventLoop->deleteLater();
-    d->eventLoop = new QEventLoop(this);
-    return lumo::runSheetLoop(this, d->eventLoop, d->inExec);
+    return d->run.exec();
 }
 
 bool LumoInputSheet::eventFilter(QObject *watched, QEvent *event)
 {
-    if (blockWindowButton && lumo::isUserClose(event)) {
-        event->ignore();
-        return true;
-    }
-    if (watched == d->watchedWindow && lumo::isWindowGone(event)) {
-        quit();
-        return false;
-    }
-    if (watched != window())
-        return LumoSheet::eventFilter(watched, event);
-    if (event->type() == QEvent::ShortcutOverride) {
-        // Keeps the window's own shortcuts from firing behind the sheet.
-        event->accept();
-        return true;
-    }
-    if (event->type() != QEvent::KeyPress)
-        return LumoSheet::eventFilter(watched, event);
-    switch (static_cast<QKeyEvent *>(event)->key()) {
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-    case Qt::Key_Space:
-        if (QAbstractButton *ok = button(QMessageBox::Ok))
-            ok->click();
-        break;
-    case Qt::Key_Escape:
-        if (QAbstractButton *discard = button(QMessageBox::Discard))
-            discard->click();
-        break;
-    default:
-        break;
-    }
-    return true;
+    return d->run.filter(watched, event, blockWindowButton);
 }
 
 void LumoInputSheet::done(int result)
 {
-    if (blockWindowButton)
-        SHAPISetCloseButtonOfWindowEnable(this, true);
-    if (d->eventLoop)
-        d->eventLoop->exit(result);
-    d->unwatchWindow();
-    hide();
+    d->run.finish(result, blockWindowButton);
     Q_EMIT finished(result);
 }
 

@@ -1,13 +1,10 @@
 #ifndef LUMO_SHEETS_INPUTSHEET_P_H
 #define LUMO_SHEETS_INPUTSHEET_P_H
 
-#include <lumo/sheets.h>
+#include "sheets/sheets_p.h"
 
 #include <QObject>
-#include <QPointer>
 
-class QDialogButtonBox;
-class QEventLoop;
 class QLineEdit;
 
 class LumoInputSheetPrivate : public QObject
@@ -19,18 +16,14 @@ public:
     void initialize();
     void setupLayout();
     int getPreferredWidth() const;
-    void watchWindow();
-    void unwatchWindow();
 
     LumoInputSheet *q;
     MessageLabel *textLabel;
     QLineEdit *lineEdit;
     QDialogButtonBox *buttonBox;
-    QEventLoop *eventLoop = nullptr;
 
     // Lifetime bookkeeping.
-    QPointer<QWidget> watchedWindow;
-    bool inExec = false; // QEventLoop::isRunning() turns false at exit(), before exec() has returned
+    lumo::SheetRun run;
 };
 
 #endif

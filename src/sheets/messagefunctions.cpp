@@ -1,4 +1,4 @@
-#include "sheets/messagesheet_p.h"
+#include "sheets/sheets_p.h"
 
 #include "resources/registries_p.h"
 

@@ -6,9 +6,7 @@
 
 #include <QCheckBox>
 #include <QDialogButtonBox>
-#include <QEventLoop>
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QMovie>
 #include <QPushButton>
 #include <QResizeEvent>
@@ -16,47 +14,6 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
-
-namespace lumo
-{
-QColor standardMaskColor()
-{
-    return QColor(0, 0, 0, 20);
-}
-
-int runSheetLoop(QObject *sheet, QEventLoop *loop, bool &inExec)
-{
-    QPointer<QObject> alive(sheet);
-    inExec = true;
-    const int result = loop->exec();
-    if (!alive) {
-        delete loop; // handed over by the sheet's destructor
-        return result;
-    }
-    inExec = false;
-    return result;
-}
-
-void releaseSheetLoop(QEventLoop *loop)
-{
-    if (loop->isRunning()) // not yet told to exit by done()
-        loop->exit(0);
-    // The loop's exec() is still on the stack; runSheetLoop() deletes it when it returns.
-    loop->setParent(nullptr);
-}
-
-bool isUserClose(const QEvent *event)
-{
-    // QWidget::close() reaches the widget as a non-spontaneous event, the window system's close as a spontaneous one.
-    return event->type() == QEvent::Close && event->spontaneous();
-}
-
-bool isWindowGone(const QEvent *event)
-{
-    // A spontaneous hide is the window being minimised: the sheet keeps running.
-    return event->type() == QEvent::Hide && !event->spontaneous();
-}
-}
 
 namespace
 {
@@ -109,13 +66,20 @@ int DialogButtonBoxStyle::styleHint(StyleHint hint, const QStyleOption *option, 
 // LumoMessageSheetPrivate
 // ---------------------------------------------------------------------------
 
-LumoMessageSheetPrivate::LumoMessageSheetPrivate(LumoMessageSheet *q)
+LumoMessageSheetPrivate::LumoMessageSheetPrivate(LumoMessageSheet *q, int messageType, bool showIcon)
     : QObject(q)
     , q(q)
     , iconLabel(new QLabel(q))
+    , messageType(messageType)
     , buttonBox(new QDialogButtonBox(q))
+    , showIcon(showIcon)
     , checkBoxWidget(new QWidget(q))
+    , run(q, buttonBox)
 {
+    run.acceptButtons = {QDialogButtonBox::Ok, QDialogButtonBox::Apply};
+    run.onlyWhileVisible = true;
+    run.tab = [this, q](bool next) { moveFocus(q->window(), next); };
+    run.quit = [q] { q->quit(); };
     iconLabel->setObjectName(QStringLiteral("messageSheetIcon"));
     buttonBox->setObjectName(QStringLiteral("messageSheetButtonBox"));
     checkBoxWidget->setObjectName(QStringLiteral("messageSheetCheckBoxRow"));
@@ -323,10 +287,7 @@ void LumoMessageSheetPrivate::setupLayout()
         main->addWidget(buttonBox);
     }
 
-    q->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Maximum);
-    q->setFixedWidth(lumo::scaled(getPreferredWidth()));
-    q->updateGeometry();
-    q->adjustSize();
+    lumo::fitSheet(q, getPreferredWidth());
 }
 
 int LumoMessageSheetPrivate::getPreferredWidth() const
@@ -386,30 +347,14 @@ void LumoMessageSheetPrivate::moveFocus(QWidget *start, bool next)
         target->setFocus(Qt::TabFocusReason);
 }
 
-void LumoMessageSheetPrivate::watchWindow()
-{
-    unwatchWindow();
-    watchedWindow = q->window();
-    watchedWindow->installEventFilter(q);
-}
-
-void LumoMessageSheetPrivate::unwatchWindow()
-{
-    if (watchedWindow)
-        watchedWindow->removeEventFilter(q);
-    watchedWindow = nullptr;
-}
-
 // ---------------------------------------------------------------------------
 // LumoMessageSheet
 // ---------------------------------------------------------------------------
 
 LumoMessageSheet::LumoMessageSheet(MessageType type, const QString &text, const MsgBoxCustomBtnText &texts, QWidget *parent, bool showIcon)
     : LumoSheet(parent)
-    , d(new LumoMessageSheetPrivate(this))
+    , d(new LumoMessageSheetPrivate(this, type, showIcon))
 {
-    d->messageType = type;
-    d->showIcon = showIcon;
     d->initialize(texts);
     blockWindowButton = true;
     setText(text, QString());
@@ -417,45 +362,27 @@ LumoMessageSheet::LumoMessageSheet(MessageType type, const QString &text, const 
 
 LumoMessageSheet::LumoMessageSheet(MessageType type, QWidget *parent, bool showIcon)
     : LumoSheet(parent)
-    , d(new LumoMessageSheetPrivate(this))
+    , d(new LumoMessageSheetPrivate(this, type, showIcon))
 {
-    d->messageType = type;
-    d->showIcon = showIcon;
     d->initialize();
     blockWindowButton = true;
 }
 
 LumoMessageSheet::LumoMessageSheet(MessageType type, const QString &text, QWidget *parent, bool showIcon)
-    : LumoSheet(parent)
-    , d(new LumoMessageSheetPrivate(this))
+    : LumoMessageSheet(type, parent, showIcon)
 {
-    d->messageType = type;
-    d->showIcon = showIcon;
-    d->initialize();
-    blockWindowButton = true;
     setText(text, QString());
 }
 
 LumoMessageSheet::LumoMessageSheet(MessageType type, const QString &text, const QString &informativeText, QWidget *parent, bool showIcon)
-    : LumoSheet(parent)
-    , d(new LumoMessageSheetPrivate(this))
+    : LumoMessageSheet(type, text, parent, showIcon)
 {
-    d->messageType = type;
-    d->showIcon = showIcon;
-    d->initialize();
-    blockWindowButton = true;
-    setText(text, QString());
     setInformativeText(informativeText, QString());
 }
 
 LumoMessageSheet::LumoMessageSheet(const QString &text, const QString &moviePath, QWidget *parent)
-    : LumoSheet(parent)
-    , d(new LumoMessageSheetPrivate(this))
+    : LumoMessageSheet(Processing, parent, true)
 {
-    d->messageType = Processing;
-    d->showIcon = true;
-    d->initialize();
-    blockWindowButton = true;
     auto *movie = new QMovie(moviePath, QByteArray(), d->iconLabel);
     if (!movie->isValid())
         qCWarning(lumoLog) << "Cannot read the animation" << moviePath;
@@ -467,14 +394,7 @@ LumoMessageSheet::LumoMessageSheet(const QString &text, const QString &moviePath
 
 LumoMessageSheet::~LumoMessageSheet()
 {
-    if (d->eventLoop && d->inExec) {
-        // Destroyed while exec() runs (its window was deleted): let exec() return.
-        if (blockWindowButton)
-            SHAPISetCloseButtonOfWindowEnable(this, true);
-        lumo::releaseSheetLoop(d->eventLoop);
-        d->eventLoop = nullptr;
-    }
-    d->unwatchWindow();
+    d->run.release(blockWindowButton);
     // The buttons use the proxy style: they go first.
     delete d->buttonBox;
     d->buttonBox = nullptr;
@@ -616,19 +536,13 @@ void LumoMessageSheet::setScrollArea(int width, int height)
 void LumoMessageSheet::showSheet()
 {
     show();
-    d->watchWindow();
+    d->run.watchWindow();
 }
 
 int LumoMessageSheet::exec()
 {
-    if (d->inExec) {
-        qCWarning(lumoLog) << "Cannot run a sheet that is already running";
+    if (!d->run.begin(blockWindowButton))
         return 0;
-    }
-    show();
-    if (blockWindowButton)
-        SHAPISetCloseButtonOfWindowEnable(this, false);
-    d->watchWindow();
     if (d->textLabel)
         d->textLabel->setFocus(Qt::TabFocusReason);
     if (d->messageType == Processing) {
@@ -636,64 +550,17 @@ int LumoMessageSheet::exec()
         if (movie && movie->isValid())
             movie->start();
     }
-    if (d->eventLoop)
-        d->eventLoop->deleteLater();
-    d->eventLoop = new QEventLoop(this);
-    return lumo::runSheetLoop(this, d->eventLoop, d->inExec);
+    return d->run.exec();
 }
 
 bool LumoMessageSheet::eventFilter(QObject *watched, QEvent *event)
 {
-    if (blockWindowButton && lumo::isUserClose(event)) {
-        event->ignore();
-        return true;
-    }
-    if (watched == d->watchedWindow && lumo::isWindowGone(event)) {
-        quit();
-        return false;
-    }
-    if (watched != window() || !isVisible())
-        return LumoSheet::eventFilter(watched, event);
-    if (event->type() == QEvent::ShortcutOverride) {
-        // Keeps the window's own shortcuts from firing behind the sheet.
-        event->accept();
-        return true;
-    }
-    if (event->type() != QEvent::KeyPress)
-        return LumoSheet::eventFilter(watched, event);
-
-    const auto *key = static_cast<QKeyEvent *>(event);
-    switch (key->key()) {
-    case Qt::Key_Tab:
-    case Qt::Key_Backtab:
-        d->moveFocus(window(), key->key() == Qt::Key_Tab && !(key->modifiers() & Qt::ShiftModifier));
-        break;
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-    case Qt::Key_Space:
-        if (QAbstractButton *ok = button(QMessageBox::Ok))
-            ok->click();
-        else if (QAbstractButton *apply = button(QMessageBox::Apply))
-            apply->click();
-        break;
-    case Qt::Key_Escape:
-        if (QAbstractButton *discard = button(QMessageBox::Discard))
-            discard->click();
-        break;
-    default:
-        break;
-    }
-    return true;
+    return d->run.filter(watched, event, blockWindowButton);
 }
 
 void LumoMessageSheet::done(int result)
 {
-    if (blockWindowButton)
-        SHAPISetCloseButtonOfWindowEnable(this, true);
-    if (d->eventLoop)
-        d->eventLoop->exit(result);
-    d->unwatchWindow();
-    hide();
+    d->run.finish(result, blockWindowButton);
     Q_EMIT finished(result);
 }
 
