@@ -309,7 +309,7 @@ private Q_SLOTS:
     {
         QTest::addColumn<QList<int>>("given");
         QTest::addColumn<QList<int>>("design");
-        QTest::newRow("designed example") << QList<int> {5, 30, 10, 12} << QList<int> {0, 20, 0, 2};
+        QTest::newRow("allowance subtracted") << QList<int> {5, 30, 10, 12} << QList<int> {0, 20, 0, 2};
         QTest::newRow("all at the allowance") << QList<int> {10, 10, 10, 10} << QList<int> {0, 0, 0, 0};
         QTest::newRow("negative and large") << QList<int> {-50, 11, 110, 9} << QList<int> {0, 1, 100, 0};
         QTest::newRow("odd at 1.5") << QList<int> {13, 15, 17, 19} << QList<int> {3, 5, 7, 9};

@@ -124,13 +124,13 @@ QList<int> headerSizes(LumoTableWidget &table)
 }
 
 // "name:text" is a file-system item, text alone a plain item.
-QTreeWidgetItem *treeItem(const QString &spec)
+QTreeWidgetItem *treeItem(const QString &description)
 {
-    if (!spec.contains(QLatin1Char(':')))
-        return new QTreeWidgetItem(QStringList {spec});
+    if (!description.contains(QLatin1Char(':')))
+        return new QTreeWidgetItem(QStringList {description});
     auto *item = new FileSystemTreeWidgetItem;
-    item->itemName = spec.section(QLatin1Char(':'), 0, 0);
-    item->setText(0, spec.section(QLatin1Char(':'), 1));
+    item->itemName = description.section(QLatin1Char(':'), 0, 0);
+    item->setText(0, description.section(QLatin1Char(':'), 1));
     return item;
 }
 

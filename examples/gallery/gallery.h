@@ -37,7 +37,7 @@ struct Startup {
     QString language; // caption language code; empty: the system's
 };
 
-/** Runs the library's start-up in its designed order. Call after the QApplication exists. */
+/** Runs the library's start-up in its required order. Call after the QApplication exists. */
 void startUp(const Startup &startup);
 QString defaultThemeDir();
 /** The theme's style files, in the order they are loaded. */

@@ -1,4 +1,4 @@
-// A client of the installed package: the designed start-up with the installed theme.
+// A client of the installed package: the usual start-up with the installed theme.
 #include <lumo/lumo.h>
 
 #include <QApplication>
