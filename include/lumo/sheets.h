@@ -13,6 +13,7 @@
 #include <QWidget>
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -63,6 +64,9 @@ private:
     QPixmap blurPixmap(const QPixmap &pixmap, double radius);
     QPixmap coloredPixmap(const QColor &color, const QPixmap &pixmap);
     QPixmap cutShadow(QPixmap shadow, const QPixmap &cutter, int dx, int dy);
+    QPixmap paddedSource() const;
+    QPixmap blurredLayers(const QPixmap &source, const std::vector<ShadowData> &shadows,
+                          const std::function<QPixmap(const ShadowData &)> &layerOf);
     QPixmap outsideShadow();
     QPixmap insideShadow();
     QPixmap smoothOutsideShadow();

@@ -34,6 +34,17 @@ QBitmap maskOf(const QPixmap &pixmap, const QColor &color, Qt::MaskMode mode)
     return mask;
 }
 
+// The set bits of @p bits in one colour, the rest transparent: what drawing the bitmap with a pen
+// of that colour gives, except that the raster engine misplaces pen-drawn bitmaps on high-DPI pixmaps.
+QPixmap paintedBits(const QBitmap &bits, const QColor &color)
+{
+    QPixmap pixmap(bits.size());
+    pixmap.setDevicePixelRatio(bits.devicePixelRatio());
+    pixmap.fill(color);
+    pixmap.setMask(bits);
+    return pixmap;
+}
+
 void preparePainter(QPainter &painter)
 {
     painter.setRenderHint(QPainter::Antialiasing, true);
@@ -104,6 +115,9 @@ QRectF BoxShadow::boundingRectFor(const QRectF &rect) const
 void BoxShadow::draw(QPainter *painter)
 {
     const QPainter::RenderHints hints = painter->renderHints();
+    // A widget painted inside another one reaches its place through the world matrix; with the
+    // matrix off, the targets below are mapped through it by hand.
+    const QTransform world = painter->worldTransform();
     painter->setRenderHint(QPainter::Antialiasing, true);
     painter->setRenderHint(QPainter::SmoothPixmapTransform, true);
     painter->setWorldMatrixEnabled(false);
@@ -115,20 +129,15 @@ void BoxShadow::draw(QPainter *painter)
     const int width = qRound(bounds.width() + (bounds.x() - x0) * 0.5);
     const int height = qRound(bounds.height() + (bounds.y() - y0) * 0.5);
 
-    const QPixmap source = sourcePixmap(Qt::LogicalCoordinates, nullptr, QGraphicsEffect::PadToEffectiveBoundingRect);
-    if (source.isNull()) {
-        painter->setWorldMatrixEnabled(true);
-        painter->setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform, false);
-        painter->setRenderHints(hints, true);
-        return;
+    const QPixmap source = paddedSource();
+    if (!source.isNull()) {
+        const QPixmap outer = smooth ? smoothOutsideShadow() : outsideShadow();
+        const QPixmap inner = smooth ? smoothInsideShadow() : insideShadow();
+        painter->setPen(Qt::NoPen);
+        painter->drawPixmap(world.mapRect(QRect(x0, y0, width, height)), outer);
+        painter->drawPixmap(world.mapRect(QRect(QPoint(x0, y0), logicalRect(source).size())), source);
+        painter->drawPixmap(world.mapRect(QRect(x0 + border, y0 + border, width - 2 * border, height - 2 * border)), inner);
     }
-    const QPixmap outer = smooth ? smoothOutsideShadow() : outsideShadow();
-    const QPixmap inner = smooth ? smoothInsideShadow() : insideShadow();
-
-    painter->setPen(Qt::NoPen);
-    painter->drawPixmap(QRect(x0, y0, width, height), outer);
-    painter->drawPixmap(x0, y0, source);
-    painter->drawPixmap(QRect(x0 + border, y0 + border, width - 2 * border, height - 2 * border), inner);
 
     painter->setWorldMatrixEnabled(true);
     painter->setRenderHint(QPainter::Antialiasing, false);
@@ -138,22 +147,28 @@ void BoxShadow::draw(QPainter *painter)
 
 QPixmap BoxShadow::blurPixmap(const QPixmap &pixmap, double radius)
 {
+    // The scene scales a pixmap of another pixel ratio a second time, so the blur runs on
+    // device pixels with the radius scaled to match.
+    const qreal ratio = pixmap.devicePixelRatio();
+    QPixmap devicePixels = pixmap;
+    devicePixels.setDevicePixelRatio(1.0);
     QGraphicsScene scene;
-    auto *item = new QGraphicsPixmapItem(pixmap);
+    auto *item = new QGraphicsPixmapItem(devicePixels);
     auto *blur = new QGraphicsBlurEffect;
-    blur->setBlurRadius(radius);
+    blur->setBlurRadius(radius * ratio);
     item->setGraphicsEffect(blur);
     scene.addItem(item);
 
-    QImage image(pixmap.size(), QImage::Format_ARGB32);
-    image.setDevicePixelRatio(pixmap.devicePixelRatio());
+    QImage image(devicePixels.size(), QImage::Format_ARGB32);
     image.fill(Qt::transparent);
     QPainter painter(&image);
     // Rendering only the pixmap's own rectangle crops the blur at its edges.
-    const QRect area = logicalRect(pixmap);
+    const QRect area(QPoint(0, 0), devicePixels.size());
     scene.render(&painter, area, area, Qt::KeepAspectRatio);
     painter.end();
-    return QPixmap::fromImage(image);
+    QPixmap result = QPixmap::fromImage(image);
+    result.setDevicePixelRatio(ratio);
+    return result;
 }
 
 QPixmap BoxShadow::coloredPixmap(const QColor &color, const QPixmap &pixmap)
@@ -176,80 +191,75 @@ QPixmap BoxShadow::cutShadow(QPixmap shadow, const QPixmap &cutter, int dx, int 
     return shadow;
 }
 
-QPixmap BoxShadow::outsideShadow()
+QPixmap BoxShadow::paddedSource() const
 {
-    const QPixmap source = sourcePixmap(Qt::LogicalCoordinates, nullptr, QGraphicsEffect::PadToEffectiveBoundingRect);
-    const QBitmap shape = maskOf(source, Qt::transparent, Qt::MaskInColor);
+    return sourcePixmap(Qt::LogicalCoordinates, nullptr, QGraphicsEffect::PadToEffectiveBoundingRect);
+}
+
+QPixmap BoxShadow::blurredLayers(const QPixmap &source, const std::vector<ShadowData> &shadows,
+                                 const std::function<QPixmap(const ShadowData &)> &layerOf)
+{
     QPixmap result = blankLike(source);
     QPainter painter(&result);
     preparePainter(painter);
-    for (const ShadowData &shadow : outsideShadows) {
-        QPixmap layer = blankLike(source);
-        QPainter layerPainter(&layer);
-        preparePainter(layerPainter);
-        layerPainter.setPen(colorOf(shadow));
-        // A bitmap drawn with a pen paints its set bits in the pen colour.
-        layerPainter.drawPixmap(shadow.xOffset, shadow.yOffset, shape);
-        layerPainter.end();
-        painter.drawPixmap(0, 0, blurPixmap(layer, shadow.blurRadius));
-    }
+    for (const ShadowData &shadow : shadows)
+        painter.drawPixmap(0, 0, blurPixmap(layerOf(shadow), shadow.blurRadius));
     painter.end();
+    return result;
+}
 
-    const QPixmap again = sourcePixmap(Qt::LogicalCoordinates, nullptr, QGraphicsEffect::PadToEffectiveBoundingRect);
-    result.setMask(maskOf(again, Qt::transparent, Qt::MaskOutColor));
+QPixmap BoxShadow::outsideShadow()
+{
+    const QPixmap source = paddedSource();
+    const QBitmap shape = maskOf(source, Qt::transparent, Qt::MaskInColor);
+    QPixmap result = blurredLayers(source, outsideShadows, [&](const ShadowData &shadow) {
+        QPixmap layer = blankLike(source);
+        QPainter painter(&layer);
+        preparePainter(painter);
+        painter.drawPixmap(shadow.xOffset, shadow.yOffset, paintedBits(shape, colorOf(shadow)));
+        painter.end();
+        return layer;
+    });
+    result.setMask(maskOf(paddedSource(), Qt::transparent, Qt::MaskOutColor));
     return result;
 }
 
 QPixmap BoxShadow::insideShadow()
 {
-    const QPixmap source = sourcePixmap(Qt::LogicalCoordinates, nullptr, QGraphicsEffect::PadToEffectiveBoundingRect);
+    const QPixmap source = paddedSource();
     const QBitmap shape = maskOf(source, Qt::transparent, Qt::MaskInColor);
-    QPixmap result = blankLike(source);
-    QPainter painter(&result);
-    preparePainter(painter);
-    for (const ShadowData &shadow : insideShadows) {
+    QPixmap result = blurredLayers(source, insideShadows, [&](const ShadowData &shadow) {
         const QColor color = colorOf(shadow);
         // The shifted copy must differ from the shadow colour or the ring below would be the whole shape.
         const QColor contrast(color.name() == QLatin1String("#000000") ? QStringLiteral("#FFFFFF") : QStringLiteral("#000000"));
         QPixmap layer = blankLike(source);
-        QPainter layerPainter(&layer);
-        preparePainter(layerPainter);
-        layerPainter.setPen(color);
-        layerPainter.drawPixmap(0, 0, shape);
-        layerPainter.setPen(contrast);
-        layerPainter.drawPixmap(shadow.xOffset, shadow.yOffset, shape);
-        layerPainter.end();
-
-        const QBitmap ring = maskOf(layer, color, Qt::MaskOutColor);
-        layer.fill(Qt::transparent);
-        layerPainter.begin(&layer);
-        preparePainter(layerPainter);
-        layerPainter.setPen(color);
-        layerPainter.drawPixmap(0, 0, ring);
-        layerPainter.end();
-        painter.drawPixmap(0, 0, blurPixmap(layer, shadow.blurRadius));
-    }
-    painter.end();
+        QPainter painter(&layer);
+        preparePainter(painter);
+        painter.drawPixmap(0, 0, paintedBits(shape, color));
+        painter.drawPixmap(shadow.xOffset, shadow.yOffset, paintedBits(shape, contrast));
+        painter.end();
+        // Set only where the shadow colour survived: the part of the shape the shifted copy left.
+        return paintedBits(maskOf(layer, color, Qt::MaskOutColor), color);
+    });
     result.setMask(shape);
     return result;
 }
 
 QPixmap BoxShadow::smoothOutsideShadow()
 {
-    const QPixmap source = sourcePixmap(Qt::LogicalCoordinates, nullptr, QGraphicsEffect::PadToEffectiveBoundingRect);
+    const QPixmap source = paddedSource();
     const QRect area = logicalRect(source);
-    QPixmap result = blankLike(source);
+    QPixmap result = blurredLayers(source, outsideShadows, [&](const ShadowData &shadow) {
+        QPixmap layer = blankLike(source);
+        QPainter painter(&layer);
+        preparePainter(painter);
+        painter.drawPixmap(area.translated(shadow.xOffset, shadow.yOffset), coloredPixmap(colorOf(shadow), source));
+        painter.end();
+        return layer;
+    });
+    // The widget's own alpha removes the shadow beneath it, keeping soft edges soft.
     QPainter painter(&result);
     preparePainter(painter);
-    for (const ShadowData &shadow : outsideShadows) {
-        QPixmap layer = blankLike(source);
-        QPainter layerPainter(&layer);
-        preparePainter(layerPainter);
-        layerPainter.drawPixmap(area.translated(shadow.xOffset, shadow.yOffset), coloredPixmap(colorOf(shadow), source));
-        layerPainter.end();
-        painter.drawPixmap(area, blurPixmap(layer, shadow.blurRadius));
-    }
-    // The widget's own alpha removes the shadow beneath it, keeping soft edges soft.
     painter.setCompositionMode(QPainter::CompositionMode_DestinationOut);
     painter.drawPixmap(area, source);
     painter.end();
@@ -258,22 +268,20 @@ QPixmap BoxShadow::smoothOutsideShadow()
 
 QPixmap BoxShadow::smoothInsideShadow()
 {
-    const QPixmap source = sourcePixmap(Qt::LogicalCoordinates, nullptr, QGraphicsEffect::PadToEffectiveBoundingRect);
+    const QPixmap source = paddedSource();
     const QRect area = logicalRect(source);
-    QPixmap result = blankLike(source);
+    QPixmap result = blurredLayers(source, insideShadows, [&](const ShadowData &shadow) {
+        // Inner shadows are cut at half the offset (toward zero); outer ones use the full offset.
+        const QPixmap crescent = cutShadow(coloredPixmap(colorOf(shadow), source), source, shadow.xOffset / 2, shadow.yOffset / 2);
+        QPixmap layer = blankLike(source);
+        QPainter painter(&layer);
+        preparePainter(painter);
+        painter.drawPixmap(area, crescent);
+        painter.end();
+        return layer;
+    });
     QPainter painter(&result);
     preparePainter(painter);
-    for (const ShadowData &shadow : insideShadows) {
-        const QPixmap silhouette = coloredPixmap(colorOf(shadow), source);
-        // Inner shadows are cut at half the offset (toward zero); outer ones use the full offset.
-        const QPixmap crescent = cutShadow(silhouette, source, shadow.xOffset / 2, shadow.yOffset / 2);
-        QPixmap layer = blankLike(source);
-        QPainter layerPainter(&layer);
-        preparePainter(layerPainter);
-        layerPainter.drawPixmap(area, crescent);
-        layerPainter.end();
-        painter.drawPixmap(0, 0, blurPixmap(layer, shadow.blurRadius));
-    }
     painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
     painter.drawPixmap(area, source);
     painter.end();

@@ -10,6 +10,8 @@ LumoSheet::LumoSheet(QWidget *parent)
     , shadowMargin(lumo::scaled(22))
 {
     setContentsMargins(shadowMargin, shadowMargin, shadowMargin, shadowMargin);
+    // Keeps the size of its content inside a mask's layout instead of filling the window.
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
 
 LumoSheet::~LumoSheet() = default;

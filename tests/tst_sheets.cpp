@@ -1,0 +1,331 @@
+// Sheet frame, dimming mask, box shadow and the mouse filters: reach arithmetic,
+// margins, mask geometry and lifetime, and the pixels the shadows really paint.
+
+#include "testsupport.h"
+
+#include <lumo/lumo.h>
+
+#include <QHBoxLayout>
+#include <QTemporaryDir>
+#include <QVBoxLayout>
+#include <QtTest>
+
+#include <memory>
+
+using Shadows = std::vector<ShadowData>;
+using Margins = std::vector<int>;
+Q_DECLARE_METATYPE(Shadows)
+Q_DECLARE_METATYPE(Margins)
+
+namespace
+{
+const QColor veil(0, 0, 0, 20);
+
+// A white window of @p size, shown and exposed.
+std::unique_ptr<QWidget> makeWindow(QSize size = QSize(400, 300))
+{
+    auto window = std::make_unique<QWidget>();
+    window->setPalette(QPalette(Qt::white));
+    window->setAutoFillBackground(true);
+    window->resize(size);
+    window->show();
+    if (!QTest::qWaitForWindowExposed(window.get()))
+        qWarning("window not exposed");
+    return window;
+}
+
+// Grey level of the logical pixel (x, y) of @p image, rendered at any pixel ratio.
+int greyAt(const QImage &image, int x, int y)
+{
+    const qreal ratio = image.devicePixelRatio();
+    return qGray(image.pixel(int((x + 0.5) * ratio), int((y + 0.5) * ratio)));
+}
+
+// A 200 x 160 white window with a white child at (60, 50), 80 x 60, carrying a new BoxShadow.
+QImage renderShadow(int border, bool smooth, Shadows outside, Shadows inside, int setBorder = INT_MIN)
+{
+    auto *effect = new BoxShadow(border, smooth);
+    effect->setOutsideShadowList(std::move(outside));
+    effect->setInsideShadowList(std::move(inside));
+    if (setBorder != INT_MIN)
+        effect->setBorder(setBorder);
+    auto window = makeWindow(QSize(200, 160));
+    auto *widget = new QWidget(window.get());
+    widget->setAutoFillBackground(true);
+    widget->setGeometry(60, 50, 80, 60);
+    widget->setGraphicsEffect(effect);
+    widget->show();
+    return window->grab().toImage();
+}
+
+// Records the mouse button events that reach it.
+class Recorder : public QWidget
+{
+public:
+    QList<QEvent::Type> seen;
+
+protected:
+    bool event(QEvent *event) override
+    {
+        if (event->type() >= QEvent::MouseButtonPress && event->type() <= QEvent::MouseButtonDblClick)
+            seen << event->type();
+        return QWidget::event(event);
+    }
+};
+}
+
+class TestSheets : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { testsupport::startWithDefaultTheme(userData); }
+    void cleanup() { QTRY_VERIFY(QApplication::topLevelWidgets().isEmpty()); }
+
+    void reach_data()
+    {
+        QTest::addColumn<Shadows>("outside");
+        QTest::addColumn<QSize>("reach");
+        QTest::newRow("empty") << Shadows {} << QSize(0, 0);
+        QTest::newRow("blur truncated") << Shadows {{2.6, -3, 5, "black"}} << QSize(8, 10);
+        QTest::newRow("below one pixel") << Shadows {{0.49, 0, 0, "black"}} << QSize(0, 0);
+        QTest::newRow("negative blur toward zero") << Shadows {{-0.7, 3, -4, "black"}} << QSize(2, 3);
+        QTest::newRow("largest per axis") << Shadows {{1.5, 0, 6, "black"}, {4.9, -2, 0, "#80ff0000"}} << QSize(11, 9);
+    }
+
+    void reach()
+    {
+        QFETCH(Shadows, outside);
+        QFETCH(QSize, reach);
+        BoxShadow effect(0, false);
+        effect.setOutsideShadowList(std::move(outside));
+        // Inner shadows never count.
+        effect.setInsideShadowList({{30.0, 40, 40, "black"}});
+        QCOMPARE(effect.necessary_indentation(), reach);
+        const QRectF source(10, 20, 30, 40);
+        QCOMPARE(effect.boundingRectFor(source), source.adjusted(-reach.width(), -reach.height(), reach.width(), reach.height()));
+    }
+
+    void borderClampedOnlyBySetter()
+    {
+        const Shadows outside {{5.0, 0, 0, "#00000000"}}; // room around the widget, nothing painted
+        const Shadows inside {{1.0, 8, 8, "#203040"}};
+        const QImage plain = renderShadow(0, false, outside, inside);
+        QVERIFY(renderShadow(-10, false, outside, inside) != plain);
+        QCOMPARE(renderShadow(7, false, outside, inside, -10), plain);
+    }
+
+    void wrapperMargins_data()
+    {
+        QTest::addColumn<bool>("custom");
+        QTest::addColumn<Margins>("margins");
+        QTest::addColumn<QMargins>("expected");
+        QTest::addColumn<bool>("followsReach");
+        QWidget reference;
+        const QMargins standard = (new QVBoxLayout(&reference))->contentsMargins(); // the style's default
+        QTest::newRow("derived") << false << Margins {} << QMargins(0, 0, 0, 0) << true;
+        QTest::newRow("custom, no list") << true << Margins {} << standard << false;
+        QTest::newRow("two values") << false << Margins {3, 4} << QMargins(3, 4, 3, 4) << false;
+        QTest::newRow("four values") << true << Margins {1, 2, 3, 4} << QMargins(1, 2, 3, 4) << false;
+        QTest::newRow("three values") << false << Margins {1, 2, 3} << standard << false;
+        QTest::newRow("one value") << true << Margins {9} << standard << false;
+    }
+
+    void wrapperMargins()
+    {
+        QFETCH(bool, custom);
+        QFETCH(Margins, margins);
+        QFETCH(QMargins, expected);
+        QFETCH(bool, followsReach);
+        BoxShadowWrapper wrapper(nullptr, 2, custom, margins, true);
+        QLayout *box = static_cast<QWidget &>(wrapper).layout(); // the wrapper's field hides layout()
+        QCOMPARE(box->contentsMargins(), expected);
+        QCOMPARE(box->alignment(), Qt::AlignCenter);
+        auto *child = new QWidget;
+        wrapper.setWidget(child);
+        QVERIFY(qobject_cast<BoxShadow *>(child->graphicsEffect()));
+        wrapper.setOutsideShadowList({{2.6, -3, 5, "black"}});
+        QCOMPARE(box->contentsMargins(), followsReach ? QMargins(8, 10, 8, 10) : expected);
+    }
+
+    void wrapperWithoutWidgetReleasesEffect()
+    {
+        // Nothing owns the effect until a widget takes it; the sanitizer build reports a leak otherwise.
+        auto *wrapper = new BoxShadowWrapper(nullptr, 0, false, {}, false);
+        wrapper->setOutsideShadowList({{3.0, 1, 1, "black"}});
+        delete wrapper;
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+
+    void maskCoversWindowAndFollowsIt()
+    {
+        auto window = makeWindow();
+        QCOMPARE(LumoMask::createMask(nullptr, window.get(), veil), nullptr);
+        auto orphan = std::make_unique<QWidget>();
+        QCOMPARE(LumoMask::createMask(orphan.get(), nullptr, veil), nullptr);
+        QCOMPARE(orphan->parentWidget(), nullptr);
+        auto *panel = new QWidget(window.get());
+        panel->setGeometry(10, 10, 100, 80);
+        panel->show();
+        auto *inPanel = new QWidget(panel);
+        // Without a parent the content's own parent is used, yet the mask covers the whole window.
+        QCOMPARE(LumoMask::createMask(inPanel, nullptr, veil), inPanel);
+        QWidget *panelMask = inPanel->parentWidget();
+        QCOMPARE(panelMask->parentWidget(), panel);
+        QCOMPARE(panelMask->size(), QSize(400, 300));
+        panelMask->setFixedSize(10, 10);
+        panel->resize(90, 70); // the watched parent's resize brings back the window's size
+        QCOMPARE(panelMask->size(), QSize(400, 300));
+
+        auto *sheet = new QWidget(window.get());
+        LumoMask::createMask(sheet, window.get(), veil);
+        QWidget *mask = sheet->parentWidget();
+        window->resize(500, 360);
+        QTRY_COMPARE(mask->size(), QSize(500, 360));
+    }
+
+    void maskShownAndHiddenWithContentAndStacked()
+    {
+        auto window = makeWindow();
+        auto *first = new QWidget(window.get());
+        first->setFixedSize(100, 60);
+        auto *second = new QWidget(window.get());
+        second->setFixedSize(80, 40);
+        QCOMPARE(LumoMask::createMask(first, window.get(), veil), first);
+        QCOMPARE(LumoMask::createMask(second, window.get(), veil), second);
+        QWidget *lower = first->parentWidget();
+        QWidget *upper = second->parentWidget();
+        QVERIFY(!lower->isVisible());
+
+        first->show();
+        QVERIFY(lower->isVisible());
+        QCOMPARE(first->geometry().center(), lower->rect().center());
+        QCOMPARE(greyAt(window->grab().toImage(), 2, 2), 235); // white under a black veil of alpha 20
+
+        second->show();
+        QVERIFY(upper->isVisible());
+        QVERIFY(window->children().indexOf(upper) > window->children().indexOf(lower));
+        QCOMPARE(window->childAt(2, 2), upper);
+        QVERIFY(greyAt(window->grab().toImage(), 2, 2) < 235); // the veils add up
+
+        first->hide();
+        QVERIFY(!lower->isVisible());
+        QVERIFY(upper->isVisible());
+    }
+
+    void shadowsPaintWhereDesigned_data()
+    {
+        QTest::addColumn<bool>("smooth");
+        QTest::addColumn<QString>("color");
+        QTest::newRow("mask, black by name") << false << QStringLiteral("black");
+        QTest::newRow("mask, black") << false << QStringLiteral("#000000");
+        QTest::newRow("mask, blue") << false << QStringLiteral("#102040");
+        QTest::newRow("smooth, black") << true << QStringLiteral("black");
+        QTest::newRow("smooth, blue") << true << QStringLiteral("#102040");
+    }
+
+    void shadowsPaintWhereDesigned()
+    {
+        QFETCH(bool, smooth);
+        QFETCH(QString, color);
+        const ShadowData data {2.0, 6, 6, color.toStdString()};
+        // The child covers logical (60, 50) to (139, 109).
+        const QImage outer = renderShadow(0, smooth, {data}, {});
+        QVERIFY(greyAt(outer, 145, 115) < 200); // below right of the widget
+        QCOMPARE(greyAt(outer, 55, 45), 255); // the shadow is offset away from here
+        QCOMPARE(greyAt(outer, 100, 80), 255); // never over the widget
+
+        const QImage inner = renderShadow(0, smooth, {}, {data});
+        QVERIFY(greyAt(inner, 61, 80) < 200); // inside the left edge
+        QVERIFY(greyAt(inner, 100, 51) < 200); // inside the top edge
+        // A black shadow keeps its ring: its shifted copy is drawn in white.
+        QCOMPARE(greyAt(inner, 100, 80), 255);
+        QCOMPARE(greyAt(inner, 138, 108), 255);
+        QCOMPARE(greyAt(inner, 58, 80), 255); // never outside the widget
+        QCOMPARE(greyAt(inner, 145, 115), 255);
+    }
+
+    void smoothInnerCutsAtHalfOffsetTowardZero()
+    {
+        // Offset -5 cuts at -2 (toward zero, not -3): only the two rightmost columns stay.
+        const QImage image = renderShadow(0, true, {}, {{0.0, -5, 0, "black"}});
+        QCOMPARE(greyAt(image, 139, 80), 0);
+        QCOMPARE(greyAt(image, 138, 80), 0);
+        QCOMPARE(greyAt(image, 137, 80), 255);
+    }
+
+    void mouseFilters_data()
+    {
+        QTest::addColumn<bool>("releaseOnly");
+        QTest::addColumn<QList<QEvent::Type>>("swallowed");
+        QTest::newRow("button filter") << false
+                                       << QList<QEvent::Type> {QEvent::MouseButtonPress, QEvent::MouseButtonRelease,
+                                                               QEvent::MouseButtonDblClick};
+        QTest::newRow("release filter") << true << QList<QEvent::Type> {QEvent::MouseButtonRelease};
+    }
+
+    void mouseFilters()
+    {
+        QFETCH(bool, releaseOnly);
+        QFETCH(QList<QEvent::Type>, swallowed);
+        auto window = makeWindow();
+        auto *plain = new Recorder;
+        auto *filtered = new Recorder;
+        auto *row = new QHBoxLayout(window.get());
+        row->addWidget(plain);
+        row->addWidget(filtered);
+        std::unique_ptr<QObject> filter(releaseOnly ? static_cast<QObject *>(new MouseReleaseFilter) : new MouseButtonFilter);
+        filtered->installEventFilter(filter.get());
+        QTRY_VERIFY(filtered->width() > 20);
+
+        for (Recorder *target : {plain, filtered}) {
+            QTest::mouseClick(target, Qt::LeftButton);
+            QTest::mouseDClick(target, Qt::RightButton);
+        }
+        for (QEvent::Type type : swallowed)
+            QVERIFY(plain->seen.contains(type));
+        QList<QEvent::Type> expected = plain->seen;
+        expected.removeIf([&](QEvent::Type type) { return swallowed.contains(type); });
+        QCOMPARE(filtered->seen, expected);
+    }
+
+    void sheetPaintsBandAndWhiteInterior()
+    {
+        const QMap<double, int> margins {{1.0, 22}, {1.5, 33}, {2.0, 44}}; // 22 x scale, truncated
+        const int m = margins.value(testsupport::expectedScale());
+        auto window = makeWindow(QSize(500, 400));
+        auto *sheet = new LumoSheet(window.get());
+        QCOMPARE(sheet->contentsMargins(), QMargins(m, m, m, m));
+        auto *body = new QWidget;
+        body->setFixedSize(200, 120);
+        sheet->setWidget(body);
+        LumoMask::createMask(sheet, window.get(), veil);
+        sheet->show(); // re-parenting and polishing reset a frame's margins; showing restores the band
+        QCOMPARE(sheet->contentsMargins(), QMargins(m, m, m, m));
+        const QMargins layout = sheet->layout()->contentsMargins(); // the style's, left as they are
+        QTRY_COMPARE(sheet->size(), QSize(200, 120).grownBy(layout + QMargins(m, m, m, m)));
+        QCOMPARE(sheet->geometry().center(), sheet->parentWidget()->rect().center());
+
+        // Rendered without a background: the band's pixels are the tiles' own.
+        QImage image(sheet->size() * window->devicePixelRatioF(), QImage::Format_ARGB32);
+        image.setDevicePixelRatio(window->devicePixelRatioF());
+        image.fill(Qt::transparent);
+        sheet->render(&image, QPoint(), QRegion(), QWidget::RenderFlags());
+        const int y = sheet->height() / 2;
+        auto pixelAt = [&](int x) {
+            return image.pixel(int((x + 0.5) * image.devicePixelRatio()), int((y + 0.5) * image.devicePixelRatio()));
+        };
+        auto alphaAt = [&](int x) { return qAlpha(pixelAt(x)); };
+        for (int x : {m, sheet->width() / 2, sheet->width() - m - 1})
+            QCOMPARE(pixelAt(x), qRgb(255, 255, 255)); // opaque white
+        QVERIFY(alphaAt(m - 1) > 0 && alphaAt(m - 1) < 255);
+        QVERIFY(alphaAt(sheet->width() - m) > 0 && alphaAt(sheet->width() - m) < 255);
+        QVERIFY(alphaAt(m / 2) < alphaAt(m - 1)); // fading outward
+    }
+
+private:
+    QTemporaryDir userData;
+};
+
+QTEST_MAIN(TestSheets)
+#include "tst_sheets.moc"
