@@ -42,19 +42,24 @@ private Q_SLOTS:
         say(QLatin1String("message ") + message);
         if (message == QLatin1String("quit"))
             app->quit();
-        else
+        else {
+            ++pendingReports;
             QMetaObject::invokeMethod(this, "reportWindow", Qt::QueuedConnection); // after the activation
+        }
     }
 
     void reportWindow()
     {
         say(QLatin1String(window.isMinimized() ? "window minimized" : window.isVisible() ? "window restored" : "window hidden"));
-        window.showMinimized();
+        // Messages delivered back to back report after all their activations; minimise only after the last.
+        if (--pendingReports == 0)
+            window.showMinimized();
     }
 
 private:
     QtSingleApplication *app;
     QWidget window;
+    int pendingReports = 0;
 };
 
 int main(int argc, char **argv)
