@@ -62,9 +62,8 @@ QLabel *label(const QString &text, const char *role)
     return l;
 }
 
-ScrollingPage scrollingPage(const QString &title, int spacing)
+QVBoxLayout *installScrollingFrame(QWidget *page, const QString &title, int spacing)
 {
-    auto *page = new QWidget;
     auto *outer = new QVBoxLayout(page);
     outer->setContentsMargins(0, 0, 0, 0);
     auto *scroll = new QScrollArea;
@@ -81,7 +80,14 @@ ScrollingPage scrollingPage(const QString &title, int spacing)
     layout->setSpacing(px(spacing));
     layout->addWidget(label(title, "title"));
     scroll->setWidget(content);
-    return {page, scroll, layout};
+    return layout;
+}
+
+ScrollingPage scrollingPage(const QString &title, int spacing)
+{
+    auto *page = new QWidget;
+    QVBoxLayout *layout = installScrollingFrame(page, title, spacing);
+    return {page, page->findChild<QScrollArea *>(QStringLiteral("galleryScroll")), layout};
 }
 
 QString defaultThemeDir()

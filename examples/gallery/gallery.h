@@ -58,6 +58,8 @@ struct ScrollingPage {
     QVBoxLayout *layout; // the column; add the page's sections here
 };
 ScrollingPage scrollingPage(const QString &title, int spacing = 8);
+/** Gives an existing @p page that frame; returns the column. */
+QVBoxLayout *installScrollingFrame(QWidget *page, const QString &title, int spacing = 8);
 
 class MainWindow : public QMainWindow
 {

@@ -74,11 +74,7 @@ class MessagesPage : public QWidget
 public:
     MessagesPage()
     {
-        auto *content = new QWidget;
-        auto *column = new QVBoxLayout(content);
-        column->setContentsMargins(gallery::px(28), gallery::px(24), gallery::px(28), gallery::px(24));
-        column->setSpacing(gallery::px(10));
-        column->addWidget(label(QStringLiteral("Messages"), "title"));
+        QVBoxLayout *column = gallery::installScrollingFrame(this, QStringLiteral("Messages"), 10);
         column->addWidget(label(QStringLiteral("Sheets drop over their window behind a light veil and block like a dialog until a "
                                                "button, Return or Escape ends them. Tab stays inside the sheet."),
                                 "note"));
@@ -146,15 +142,6 @@ public:
         column->addSpacing(gallery::px(6));
         column->addWidget(result);
         column->addStretch(1);
-
-        auto *scroll = new QScrollArea;
-        scroll->setObjectName(QStringLiteral("galleryScroll"));
-        scroll->setWidgetResizable(true);
-        scroll->setFrameShape(QFrame::NoFrame);
-        scroll->setWidget(content);
-        auto *outer = new QVBoxLayout(this);
-        outer->setContentsMargins(0, 0, 0, 0);
-        outer->addWidget(scroll);
     }
 
 private:

@@ -177,11 +177,7 @@ class SheetsPage : public QWidget
 public:
     SheetsPage()
     {
-        auto *content = new QWidget;
-        auto *column = new QVBoxLayout(content);
-        column->setContentsMargins(gallery::px(28), gallery::px(24), gallery::px(28), gallery::px(24));
-        column->setSpacing(gallery::px(10));
-        column->addWidget(label(QStringLiteral("Sheets & shadows"), "title"));
+        QVBoxLayout *column = gallery::installScrollingFrame(this, QStringLiteral("Sheets & shadows"), 10);
         column->addWidget(label(QStringLiteral("A sheet is a white panel with a soft shadow that drops over its window behind "
                                                "a light veil. BoxShadow puts outer and inner shadows on any widget."),
                                 "note"));
@@ -233,15 +229,6 @@ public:
                  QStringLiteral("#F4F6F9")),
         }));
         column->addStretch(1);
-
-        auto *scroll = new QScrollArea;
-        scroll->setObjectName(QStringLiteral("galleryScroll"));
-        scroll->setWidgetResizable(true);
-        scroll->setFrameShape(QFrame::NoFrame);
-        scroll->setWidget(content);
-        auto *outer = new QVBoxLayout(this);
-        outer->setContentsMargins(0, 0, 0, 0);
-        outer->addWidget(scroll);
     }
 
     std::function<void()> showSheet;

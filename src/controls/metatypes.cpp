@@ -1,7 +1,7 @@
 #include <lumo/controls.h>
 
 // Registered at load time so that QMetaType::fromName() can build the
-// default-constructible controls, e.g. from a UI description.
+// default-constructible controls by name, e.g. from a UI description.
 static void registerControlMetaTypes()
 {
     qRegisterMetaType<LumoCheckBox>("LumoCheckBox");
@@ -9,5 +9,10 @@ static void registerControlMetaTypes()
     qRegisterMetaType<LumoMenu>("LumoMenu");
     qRegisterMetaType<LumoLineEdit>("LumoLineEdit");
     qRegisterMetaType<LumoLabel>("LumoLabel");
+    qRegisterMetaType<LumoComboBox>("LumoComboBox");
+    qRegisterMetaType<LumoTimeComboBox>("LumoTimeComboBox");
+    qRegisterMetaType<LumoButtonPath>("LumoButtonPath");
+    qRegisterMetaType<LumoFilterBar>("LumoFilterBar");
+    qRegisterMetaType<LumoVerticalScrollArea>("LumoVerticalScrollArea");
 }
 Q_CONSTRUCTOR_FUNCTION(registerControlMetaTypes)
