@@ -90,7 +90,6 @@ void LumoButtonPath::refresh(QString path)
         const QIcon arrowIcon(getGlobalImage(QStringLiteral("bt_next"), ImageManager::Normal));
         const QString arrowStyle = lumo::style("component.button_path_arrow");
         const QString nameStyle = lumo::style("component.button_path_name_button");
-        const double scale = DPIinfo::getInstance()->getDPI();
         for (int i = 0; i < segments.size(); ++i) {
             const QString &segment = segments.at(i);
             if (i > 0) {
@@ -113,7 +112,7 @@ void LumoButtonPath::refresh(QString path)
             button->setFlat(true);
             button->setStyleSheet(nameStyle);
             button->setFixedHeight(lumo::scaled(26));
-            button->setFixedWidth(lumo::truncated(scale * (double(metrics.boundingRect(segment).width()) + 16)));
+            button->setFixedWidth(lumo::scaled(double(metrics.boundingRect(segment).width()) + 16));
 
             connect(button, SIGNAL(clicked(bool)), nameMapper, SLOT(map()));
             nameMapper->setMapping(button, 2 * i);
