@@ -15,7 +15,7 @@ foreach(required include/lumo/lumo.h include/lumo/registries.h lib/cmake/Lumo/Lu
   endif()
 endforeach()
 execute_process(COMMAND ${CMAKE_COMMAND} -S ${SOURCE_DIR} -B ${WORK_DIR}/build -G ${GENERATOR}
-  -DCMAKE_PREFIX_PATH=${prefix} RESULT_VARIABLE rc)
+  -DCMAKE_PREFIX_PATH=${prefix} -DCMAKE_CXX_COMPILER_LAUNCHER=${LAUNCHER} RESULT_VARIABLE rc)
 if(NOT rc EQUAL 0)
   message(FATAL_ERROR "configuring the downstream project failed")
 endif()
@@ -23,7 +23,7 @@ execute_process(COMMAND ${CMAKE_COMMAND} --build ${WORK_DIR}/build RESULT_VARIAB
 if(NOT rc EQUAL 0)
   message(FATAL_ERROR "building the downstream project failed")
 endif()
-execute_process(COMMAND ${WORK_DIR}/build/downstream ${prefix}/share/lumo/themes/default ${WORK_DIR}/data
+execute_process(COMMAND ${WORK_DIR}/build/downstream ${WORK_DIR}/data
   RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
 message(STATUS "${out}${err}")
 if(NOT rc EQUAL 0 OR NOT out MATCHES "downstream ok")
@@ -39,15 +39,17 @@ if(PKG_CONFIG AND CXX_COMPILER)
   if(NOT rc EQUAL 0)
     message(FATAL_ERROR "pkg-config does not know lumo")
   endif()
+  execute_process(COMMAND ${PKG_CONFIG} --variable=themedir lumo OUTPUT_VARIABLE themedir OUTPUT_STRIP_TRAILING_WHITESPACE)
   separate_arguments(flags UNIX_COMMAND "${flags}")
   execute_process(COMMAND ${CXX_COMPILER} -std=c++17 -fPIC ${SOURCE_DIR}/main.cpp ${flags} -Wl,-rpath,${prefix}/lib
+                          "-DDOWNSTREAM_THEME_DIR=\"${themedir}\""
                           -o ${WORK_DIR}/downstream-pc RESULT_VARIABLE rc)
   if(NOT rc EQUAL 0)
     message(FATAL_ERROR "compiling with the pkg-config flags failed")
   endif()
-  execute_process(COMMAND ${WORK_DIR}/downstream-pc ${prefix}/share/lumo/themes/default ${WORK_DIR}/data-pc
-    RESULT_VARIABLE rc OUTPUT_VARIABLE out)
+  execute_process(COMMAND ${WORK_DIR}/downstream-pc ${WORK_DIR}/data-pc
+    RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
   if(NOT rc EQUAL 0 OR NOT out MATCHES "downstream ok")
-    message(FATAL_ERROR "the pkg-config built program failed: ${rc}")
+    message(FATAL_ERROR "the pkg-config built program failed: ${rc}\n${out}${err}")
   endif()
 endif()
