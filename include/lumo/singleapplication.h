@@ -4,6 +4,7 @@
 #include <lumo/lumo_export.h>
 
 #include <QApplication>
+#include <QCoreApplication>
 #include <QFile>
 #include <QObject>
 #include <QPointer>
@@ -91,6 +92,8 @@ public:
 
     /** True when another instance is the primary; the first call makes this instance the primary if none is. */
     bool isRunning();
+    /** Kept for source compatibility: the same as isRunning(), without its answer. */
+    void initialize(bool dummy = true);
     QString id() const;
 
     /** The window raised by activateWindow(); with @p activateOnMessage every received message raises it. */
@@ -109,6 +112,34 @@ private:
     Q_DISABLE_COPY(QtSingleApplication)
     QtLocalPeer *peer;
     QPointer<QWidget> actWin;
+};
+
+/**
+ * The single-instance part of QtSingleApplication for programs without a GUI:
+ * the same id, the same channel and the same members, on a QCoreApplication.
+ */
+class LUMO_EXPORT QtSingleCoreApplication : public QCoreApplication
+{
+    Q_OBJECT
+public:
+    /** The id is the executable's path. */
+    QtSingleCoreApplication(int &argc, char **argv);
+    QtSingleCoreApplication(const QString &id, int &argc, char **argv);
+    ~QtSingleCoreApplication() override;
+
+    /** True when another instance is the primary; the first call makes this instance the primary if none is. */
+    bool isRunning();
+    QString id() const;
+
+public Q_SLOTS:
+    bool sendMessage(const QString &message, int timeout = 5000);
+
+Q_SIGNALS:
+    void messageReceived(const QString &message);
+
+private:
+    Q_DISABLE_COPY(QtSingleCoreApplication)
+    QtLocalPeer *peer;
 };
 
 #endif

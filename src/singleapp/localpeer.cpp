@@ -64,6 +64,13 @@ QString lumo::singleapp::serverPath(const QString &appId)
     return path;
 }
 
+QtLocalPeer *lumo::singleapp::attachPeer(QCoreApplication *app, const QString &appId)
+{
+    auto *peer = new QtLocalPeer(app, appId);
+    QObject::connect(peer, SIGNAL(messageReceived(QString)), app, SIGNAL(messageReceived(QString)));
+    return peer;
+}
+
 QtLocalPeerConnection::QtLocalPeerConnection(QLocalSocket *socket, QtLocalPeerPrivate *owner)
     : QObject(owner)
     , owner(owner)

@@ -7,6 +7,7 @@
 #include <QObject>
 #include <QString>
 
+class QCoreApplication;
 class QLocalServer;
 class QLocalSocket;
 class QTimer;
@@ -26,6 +27,9 @@ constexpr char receipt = '\x06';
 
 /** The local socket path of @p appId for this user and login session; its lock file adds ".lock". Exported for the tests. */
 LUMO_EXPORT QString serverPath(const QString &appId);
+
+/** The peer of a single-instance application object, its messages forwarded to @p app's messageReceived(QString). */
+QtLocalPeer *attachPeer(QCoreApplication *app, const QString &appId);
 }
 }
 

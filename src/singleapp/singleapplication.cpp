@@ -1,20 +1,20 @@
-#include <lumo/singleapplication.h>
+#include "singleapp/localpeer_p.h"
 
 #include <QWidget>
 
+using lumo::singleapp::attachPeer;
+
 QtSingleApplication::QtSingleApplication(int &argc, char **argv, bool GUIenabled)
     : QApplication(argc, argv)
-    , peer(new QtLocalPeer(this))
+    , peer(attachPeer(this, QString()))
 {
     Q_UNUSED(GUIenabled)
-    connect(peer, SIGNAL(messageReceived(QString)), this, SIGNAL(messageReceived(QString)));
 }
 
 QtSingleApplication::QtSingleApplication(const QString &id, int &argc, char **argv)
     : QApplication(argc, argv)
-    , peer(new QtLocalPeer(this, id))
+    , peer(attachPeer(this, id))
 {
-    connect(peer, SIGNAL(messageReceived(QString)), this, SIGNAL(messageReceived(QString)));
 }
 
 QtSingleApplication::~QtSingleApplication() = default;
@@ -22,6 +22,12 @@ QtSingleApplication::~QtSingleApplication() = default;
 bool QtSingleApplication::isRunning()
 {
     return peer->isClient();
+}
+
+void QtSingleApplication::initialize(bool dummy)
+{
+    Q_UNUSED(dummy)
+    isRunning();
 }
 
 QString QtSingleApplication::id() const
@@ -56,4 +62,33 @@ void QtSingleApplication::activateWindow()
     actWin->show();
     actWin->raise();
     actWin->activateWindow();
+}
+
+QtSingleCoreApplication::QtSingleCoreApplication(int &argc, char **argv)
+    : QCoreApplication(argc, argv)
+    , peer(attachPeer(this, QString()))
+{
+}
+
+QtSingleCoreApplication::QtSingleCoreApplication(const QString &id, int &argc, char **argv)
+    : QCoreApplication(argc, argv)
+    , peer(attachPeer(this, id))
+{
+}
+
+QtSingleCoreApplication::~QtSingleCoreApplication() = default;
+
+bool QtSingleCoreApplication::isRunning()
+{
+    return peer->isClient();
+}
+
+QString QtSingleCoreApplication::id() const
+{
+    return peer->applicationId();
+}
+
+bool QtSingleCoreApplication::sendMessage(const QString &message, int timeout)
+{
+    return peer->sendMessage(message, timeout);
 }

@@ -9,7 +9,8 @@ if(NOT rc EQUAL 0)
 endif()
 foreach(required include/lumo/lumo.h include/lumo/registries.h lib/cmake/Lumo/LumoConfig.cmake
                  lib/cmake/Lumo/LumoConfigVersion.cmake lib/pkgconfig/lumo.pc share/lumo/themes/default/images.json
-                 share/lumo/themes/default/images/icon_information.png)
+                 share/lumo/themes/default/images/icon_information.png
+                 include/lumo/qtsingleapplication/QtSingleApplication include/lumo/qtsingleapplication/qtlockedfile.h)
   if(NOT EXISTS ${prefix}/${required})
     message(FATAL_ERROR "installed package lacks ${required}")
   endif()
@@ -28,6 +29,12 @@ execute_process(COMMAND ${WORK_DIR}/build/downstream ${WORK_DIR}/data
 message(STATUS "${out}${err}")
 if(NOT rc EQUAL 0 OR NOT out MATCHES "downstream ok")
   message(FATAL_ERROR "the downstream program failed: ${rc}")
+endif()
+execute_process(COMMAND ${WORK_DIR}/build/singleapp_driver ${WORK_DIR}/build ${WORK_DIR}/singleapp
+  RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
+message(STATUS "${out}${err}")
+if(NOT rc EQUAL 0)
+  message(FATAL_ERROR "the single-instance clients failed: ${rc}")
 endif()
 
 # The pkg-config file must serve a plain compiler invocation as well.

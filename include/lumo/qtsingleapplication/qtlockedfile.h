@@ -1,0 +1,2 @@
+// Source compatibility with the Qt Solutions single-application component.
+#include <lumo/singleapplication.h>
