@@ -129,12 +129,16 @@ public:
 
     /** True when another instance is the primary; the first call makes this instance the primary if none is. */
     bool isRunning();
+    /** The id given to the constructor, or the executable's path. */
     QString id() const;
 
 public Q_SLOTS:
+    /** Hands @p message (at most 1 MiB as UTF-8) to the running instance; false when this is the running instance or it did not confirm
+     * within @p timeout ms. */
     bool sendMessage(const QString &message, int timeout = 5000);
 
 Q_SIGNALS:
+    /** A later instance sent @p message. */
     void messageReceived(const QString &message);
 
 private:
