@@ -4,6 +4,7 @@
 
 #include <lumo/controls.h>
 #include <lumo/registries.h>
+#include <lumo/views.h>
 
 #include <QtTest>
 #include <QtWidgets>
@@ -138,6 +139,8 @@ private Q_SLOTS:
     void overflowMenu_data();
     void overflowMenu();
     void hostilePaths();
+    void pathMenuPickWhileRefreshing();
+    void overflowFollowsWidth();
     void filterBarKeys();
     void footbar();
     void shadeStop_data();
@@ -357,7 +360,7 @@ void TestPickers::pathRow()
     QVERIFY(QTest::qWaitForWindowExposed(&w.window));
     w.bar->refresh(QStringLiteral("old/path/first"));
     w.bar->slotUpdatePath(path);
-    QApplication::processEvents();
+    QTest::qWait(0); // the old row is deleted once control returns
     const int columns = texts.isEmpty() ? 0 : int(texts.size()) * 2 - 1;
     QCOMPARE(w.bar->columnCount(), columns);
     QCOMPARE(w.bar->viewport()->findChildren<QPushButton *>().size(), columns); // the previous row's buttons are gone
@@ -469,6 +472,7 @@ void TestPickers::hostilePaths()
 
     // Rebuilding a big row replaces it entirely.
     w.bar->refresh(QStringLiteral("a/b"));
+    QTest::qWait(0);
     QCOMPARE(w.bar->viewport()->findChildren<QPushButton *>().size(), 3);
     QVERIFY(w.folder()->isHidden());
 
@@ -481,6 +485,74 @@ void TestPickers::hostilePaths()
     w.bar->refresh(QStringLiteral("short/") + longName);
     QCOMPARE(w.menuTexts(), (QStringList {QStringLiteral("short"), longName}));
     QCOMPARE(w.bar->getPath(2), QStringLiteral("short/") + longName);
+}
+
+void TestPickers::pathMenuPickWhileRefreshing()
+{
+    // An owner that follows a focused folder tree and navigates on every pick.
+    const QString path = QStringLiteral("home/Mitarbeiter & Partner/Projects/Q3 Planning/Draft/Final");
+    QWidget window;
+    auto *tree = new LumoTreeWidget;
+    auto *bar = new LumoButtonPath;
+    auto *layout = new QVBoxLayout(&window);
+    layout->addWidget(bar);
+    layout->addWidget(tree);
+    bar->setFixedWidth(px(200));
+    tree->addTopLevelItem(new QTreeWidgetItem(QStringList {path}));
+    connect(tree, &QTreeWidget::currentItemChanged, bar, [bar](QTreeWidgetItem *item) {
+        if (item)
+            bar->refresh(item->text(0));
+    });
+    connect(bar, SIGNAL(sigUpdatePath(QString)), bar, SLOT(slotUpdatePath(QString)));
+    QSignalSpy spy(bar, SIGNAL(sigUpdatePath(QString)));
+    window.show();
+    window.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+    tree->setFocus();
+    tree->setCurrentItem(tree->topLevelItem(0));
+    auto *folder = bar->findChild<QToolButton *>();
+    QTRY_VERIFY(folder->isVisible());
+
+    // The pick closes the menu, the tree gets the focus back and re-announces
+    // its item, which rebuilds the bar before the picked entry fires.
+    QMenu *menu = folder->menu();
+    QTimer::singleShot(0, menu, [menu] {
+        QTRY_VERIFY(menu->isVisible());
+        QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(menu->actions().at(0)).center());
+    });
+    QTest::mouseClick(folder, Qt::LeftButton);
+    QTRY_COMPARE(spy, QList<QVariantList> {{QStringLiteral("home")}});
+    QCOMPARE(bar->columnCount(), 1);
+
+    // A segment button whose click rebuilds the row it sits in.
+    bar->refresh(path);
+    QTest::mouseClick(qobject_cast<QPushButton *>(bar->cellWidget(0, 2)), Qt::LeftButton);
+    QCOMPARE(spy.last(), QVariantList {QStringLiteral("home/Mitarbeiter & Partner")});
+    QCOMPARE(bar->columnCount(), 3);
+    QTest::qWait(0);
+    QCOMPARE(bar->viewport()->findChildren<QPushButton *>().size(), 3);
+}
+
+void TestPickers::overflowFollowsWidth()
+{
+    const QString path = QStringLiteral("home/Mitarbeiter & Partner/Projects/Q3 Planning/Draft/Final");
+    PathWindow w(px(2000));
+    QVERIFY(QTest::qWaitForWindowExposed(&w.window));
+    w.bar->refresh(path);
+    QVERIFY(w.folder()->isHidden());
+    // Narrowed: the same overflow as a rebuild at that width.
+    PathWindow narrow(px(250));
+    QVERIFY(QTest::qWaitForWindowExposed(&narrow.window));
+    narrow.bar->refresh(path);
+    w.bar->setFixedWidth(px(250));
+    QTRY_VERIFY(w.folder()->isVisible());
+    QCOMPARE(w.menuTexts(), narrow.menuTexts());
+    QCOMPARE(w.bar->horizontalScrollBar()->value(), narrow.bar->horizontalScrollBar()->value());
+    // Widened again: no folder button, no stale menu, the row from its start.
+    w.bar->setFixedWidth(px(2000));
+    QTRY_VERIFY(w.folder()->isHidden());
+    QVERIFY(w.menuTexts().isEmpty());
+    QCOMPARE(w.bar->horizontalScrollBar()->value(), 0);
 }
 
 void TestPickers::filterBarKeys()

@@ -374,7 +374,11 @@ public:
     explicit LumoButtonPath(QWidget *parent = nullptr);
     ~LumoButtonPath() override;
 
-    /** Rebuilds the row for @p path. Call it once the bar has its real width. */
+    /**
+     * Rebuilds the row for @p path. The old buttons and menu entries are
+     * deleted once control returns to the event loop, so the owner may call
+     * it from their signals; a menu entry picked meanwhile still delivers its path.
+     */
     void refresh(QString path);
     /** The path up to the button at list index @p index, without a leading slash. */
     QString getPath(int index);
@@ -388,8 +392,14 @@ public Q_SLOTS:
     void slotUpdatePath(QString path);
     void slotPathBarClicked(int index);
 
+protected:
+    /** Redoes the overflow pass for the new width: widening hides the folder button again. */
+    void resizeEvent(QResizeEvent *event) override;
+
 private:
     Q_DISABLE_COPY(LumoButtonPath)
+    /** Empties the overflow menu; its entries are deleted only once control returns. */
+    void retireMenu();
 
     QList<QPushButton *> buttons;
     QToolButton *changeFolderBtn;
