@@ -134,6 +134,7 @@ private Q_SLOTS:
     void setTextAndDefault_data();
     void setTextAndDefault();
     void correctTimeEmits();
+    void timeBoxThroughQComboBox();
     void pathRow_data();
     void pathRow();
     void overflowMenu_data();
@@ -329,6 +330,39 @@ void TestPickers::correctTimeEmits()
     plain.correctTime();
     QCOMPARE(plain.currentIndex(), 0);
     QCOMPARE(plain.count(), 2);
+}
+
+void TestPickers::timeBoxThroughQComboBox()
+{
+    // Called through QComboBox, editability and the row limit end as the box's own calls leave them.
+    TimeBoxWindow own(false), base(false);
+    own.box->setEditable(true);
+    static_cast<QComboBox *>(base.box)->setEditable(true);
+    QTest::qWait(0);
+    QCOMPARE(base.state(), own.state());
+    QCOMPARE(base.qtMaxVisible(), own.qtMaxVisible());
+    QVERIFY(base.box->lineEdit()->validator());
+    QVERIFY(!base.box->completer());
+    static_cast<QComboBox *>(base.box)->setMaxVisibleItems(4);
+    base.box->showPopup();
+    QCOMPARE(base.qtMaxVisible(), 5); // plus the hidden custom row
+    base.box->hidePopup();
+    base.box->setItemVisible(true);
+    QCOMPARE(base.qtMaxVisible(), 4);
+    QVERIFY(base.typeAndLeave(QStringLiteral("9:7"), true));
+    QCOMPARE(base.state(), QStringLiteral("09:07@0+custom"));
+    QCOMPARE(base.box->time(), QTime(9, 7));
+    static_cast<QComboBox *>(base.box)->setEditable(false);
+    QTRY_COMPARE(base.box->count(), halfHours().size());
+
+    // A literal takes the box's own route; a QString QComboBox's.
+    own.box->setCurrentText("10:31");
+    QCOMPARE(own.state(), QStringLiteral("10:31@0+custom"));
+    own.box->setCurrentText(QStringLiteral("7"));
+    QCOMPARE(own.box->lineEdit()->text(), QStringLiteral("7"));
+    QCOMPARE(own.box->time(), QTime());
+    own.box->correctTime();
+    QCOMPARE(own.box->time(), QTime(7, 0));
 }
 
 void TestPickers::pathRow_data()
@@ -607,8 +641,8 @@ void TestPickers::footbar()
     // The row as widget names, "|" for a stretch.
     const auto row = [](LumoFootbar &footbar) {
         QStringList items;
-        for (int i = 0; i < footbar.QWidget::layout()->count(); ++i) {
-            QLayoutItem *item = footbar.QWidget::layout()->itemAt(i);
+        for (int i = 0; i < footbar.layout()->count(); ++i) {
+            QLayoutItem *item = footbar.layout()->itemAt(i);
             items << (item->spacerItem() ? QStringLiteral("|") : item->widget()->objectName());
         }
         return items.join(QLatin1Char(' '));
@@ -622,12 +656,12 @@ void TestPickers::footbar()
     bar.pushLeftWidget(&b);
     bar.init();
     QCOMPARE(row(bar), QStringLiteral("a b | c"));
-    QCOMPARE(static_cast<QHBoxLayout *>(bar.QWidget::layout())->stretch(2), 1);
+    QCOMPARE(static_cast<QHBoxLayout *>(bar.layout())->stretch(2), 1);
     // Truncated after scaling: at 1.5, 3 gives 4 and 5 gives 7.
     bar.setMargins(1, 3, 5, 7);
     bar.setSpacing(5);
-    QCOMPARE(bar.QWidget::layout()->contentsMargins(), QMargins(px(1), px(3), px(5), px(7)));
-    QCOMPARE(bar.QWidget::layout()->spacing(), px(5));
+    QCOMPARE(bar.layout()->contentsMargins(), QMargins(px(1), px(3), px(5), px(7)));
+    QCOMPARE(bar.layout()->spacing(), px(5));
 
     // init() before any push gives the stretch alone; a later push waits for the next init().
     empty.init();

@@ -559,6 +559,7 @@ void TestViews::datePicks()
     selector.showPopup();
     QTRY_VERIFY(view->isVisible());
     QSignalSpy spy(view, SIGNAL(sigDateSelect(QDate)));
+    QSignalSpy changed(&selector, SIGNAL(sigDateChanged(QDate)));
     QTableView *grid = gridOf(view);
     if (how == QLatin1String("click")) {
         QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, grid->visualRect(cellOfDay(grid, date.day())).center());
@@ -573,6 +574,8 @@ void TestViews::datePicks()
     QCOMPARE(spy.at(0).at(0).toDate(), date);
     QCOMPARE(selector.currentText(), date.toString(QStringLiteral("yyyy-MM-dd")));
     QCOMPARE(selector.currentData().toDate(), date);
+    QCOMPARE(selector.date(), date);
+    QCOMPARE(changed, QList<QVariantList> {{date}});
     QCOMPARE(calendarOf(view)->selectedDate(), date);
     QCOMPARE(QDate(calendarOf(view)->yearShown(), calendarOf(view)->monthShown(), 1), QDate(date.year(), date.month(), 1));
     QTRY_VERIFY(!view->isVisible());
@@ -596,8 +599,10 @@ void TestViews::invalidDates()
     selector.getCalendarView()->setCurrentPage(2011, 8);
     selector.showPopup();
     QTRY_VERIFY(selector.view()->isVisible());
+    QSignalSpy changed(&selector, SIGNAL(sigDateChanged(QDate)));
     // The default text and a null date; the page and the open popup stay.
     selector.dateSelect(date);
+    QCOMPARE(changed, QList<QVariantList> {{QDate()}});
     QCOMPARE(selector.count(), 1);
     QCOMPARE(selector.currentText(), QStringLiteral("No date"));
     QVERIFY(selector.currentData().toDate().isNull());
@@ -610,10 +615,15 @@ void TestViews::invalidDates()
 void TestViews::clearDate()
 {
     LumoDateSelector selector;
+    QSignalSpy changed(&selector, SIGNAL(sigDateChanged(QDate)));
     QCalendarWidget *calendar = calendarOf(selector.view());
+    selector.clearDate(); // no date yet: no change
     selector.dateSelect(QDate(2015, 6, 7));
+    selector.dateSelect(QDate(2015, 6, 7)); // the same date again: no change
     calendar->setSelectedDate(QDate(2015, 6, 7));
     selector.clearDate();
+    QCOMPARE(changed, (QList<QVariantList> {{QDate(2015, 6, 7)}, {QDate()}}));
+    QCOMPARE(selector.date(), QDate());
     QCOMPARE(selector.count(), 1);
     QCOMPARE(selector.currentIndex(), 0);
     QCOMPARE(selector.currentText(), QStringLiteral("choose date"));
@@ -655,6 +665,7 @@ void TestViews::distribution()
     QFETCH(double, tableWidth);
     QFETCH(QList<int>, expected);
     LumoTableWidget table(columnsOf(columns));
+    QCOMPARE(table.layout()->count(), 2); // the header's scroll area over the table
     table.slotTableResized(QSize(scaled(tableWidth), scaled(300)));
     // Exact at every scale used here: free width and shares are whole multiples of the scale's pixels.
     QList<int> want;
