@@ -176,6 +176,8 @@ private Q_SLOTS:
     void rightmostStyle();
     void footerWidths_data();
     void footerWidths();
+    void narrowPaneKeepsText_data();
+    void narrowPaneKeepsText();
 
     void weekdaysStartOnSunday();
     void monthTitlesFollowPages();
@@ -442,6 +444,43 @@ void TestViews::footerWidths()
     QVERIFY(label);
     QCOMPARE(label->minimumWidth(), fixed < 0 ? 0 : scaled(fixed));
     QCOMPARE(label->maximumWidth(), fixed < 0 ? QWIDGETSIZE_MAX : scaled(fixed));
+}
+
+void TestViews::narrowPaneKeepsText_data()
+{
+    QTest::addColumn<int>("items");
+    QTest::addColumn<int>("page");
+    QTest::newRow("page 1 of 4") << 36 << 1;
+    QTest::newRow("three-digit pages") << 5000 << 120;
+}
+
+void TestViews::narrowPaneKeepsText()
+{
+    // A pane without a layout gives the bar exactly the width it is told, as a
+    // narrow splitter pane does; down to the bar's minimum nothing may be cut.
+    QFETCH(int, items);
+    QFETCH(int, page);
+    QWidget pane;
+    LumoPagingModel model(10);
+    auto *bar = new LumoPagingBar(&model, &pane);
+    bar->setItemCount(items);
+    bar->setPage(page);
+    bar->setFooterText(QStringLiteral("%1 file(s)").arg(items));
+    QVERIFY(showAt(pane, 1200, 60));
+    const int roomy = bar->sizeHint().width();
+    for (int width : {roomy, roomy - scaled(50), bar->minimumSizeHint().width()}) {
+        bar->setGeometry(0, 0, width, bar->sizeHint().height());
+        QTest::qWait(0);
+        for (QPushButton *button : bar->findChildren<LumoButton *>()) {
+            QVERIFY2(button->width() >= button->sizeHint().width(), qPrintable(button->text()));
+            QCOMPARE(button->minimumWidth(), scaled(24));
+        }
+        QLabel *footer = nullptr;
+        for (QLabel *label : bar->findChildren<QLabel *>())
+            footer = label->text().isEmpty() ? footer : label;
+        QVERIFY(footer && footer->width() >= footer->sizeHint().width());
+        QVERIFY(footer->geometry().right() < footer->parentWidget()->width());
+    }
 }
 
 // ---------------------------------------------------------------------------

@@ -6,12 +6,23 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLayoutItem>
 #include <QSignalMapper>
 
 #include <limits>
 
 namespace
 {
+// The layout's view of a page button: never narrower than its number needs.
+// The button's own minimum width is only the floor for short numbers, and a
+// squeezed row would otherwise cut the number at it.
+class PageButtonItem : public QWidgetItem
+{
+public:
+    using QWidgetItem::QWidgetItem;
+    QSize minimumSize() const override { return QWidgetItem::minimumSize().expandedTo(QWidgetItem::sizeHint()); }
+};
+
 // Pages are ints; arithmetic near the ends of the range saturates instead of wrapping.
 int clampToInt(qint64 value)
 {
@@ -131,12 +142,15 @@ void LumoPagingBar::initializeUI()
     for (int i = 0; i < 5; ++i) {
         if (i > 0)
             mainLayout->addSpacing(lumo::scaled(4));
-        mainLayout->addWidget(pageButtons[i], 0, Qt::AlignCenter);
+        auto *item = new PageButtonItem(pageButtons[i]); // the inner widget adopts it with the layout
+        item->setAlignment(Qt::AlignCenter);
+        mainLayout->addItem(item);
     }
     mainLayout->addWidget(next5Button, 0, Qt::AlignRight | Qt::AlignVCenter);
     mainLayout->addWidget(lastPageButton, 0, Qt::AlignRight | Qt::AlignVCenter);
     mainLayout->addStretch();
-    mainLayout->addSpacing(lumo::scaled(50));
+    // The gap is the first to give way in a narrow pane, before any text is cut.
+    mainLayout->addSpacerItem(new QSpacerItem(lumo::scaled(50), 0, QSizePolicy::Maximum, QSizePolicy::Minimum));
     mainLayout->addLayout(rightLayout, 0);
 
     auto *border = new QWidget;
