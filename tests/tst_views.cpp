@@ -481,6 +481,22 @@ void TestViews::narrowPaneKeepsText()
         QVERIFY(footer && footer->width() >= footer->sizeHint().width());
         QVERIFY(footer->geometry().right() < footer->parentWidget()->width());
     }
+    // Narrower still, the footer gives way first and shows the start of its text.
+    bar->setGeometry(0, 0, bar->minimumSizeHint().width() - scaled(30), bar->sizeHint().height());
+    QTest::qWait(0);
+    QLabel *footer = nullptr;
+    for (QLabel *label : bar->findChildren<QLabel *>())
+        footer = label->text().isEmpty() ? footer : label;
+    QVERIFY(footer->width() < footer->sizeHint().width());
+    // Painted as a label of the elided text would be.
+    auto *elided = new QLabel(footer->parentWidget());
+    elided->setStyleSheet(footer->styleSheet());
+    elided->setAlignment(footer->alignment());
+    elided->setFixedSize(footer->size());
+    elided->ensurePolished();
+    elided->setText(footer->fontMetrics().elidedText(
+        footer->text(), Qt::ElideRight, footer->contentsRect().width() - footer->fontMetrics().horizontalAdvance(QLatin1Char('x')) / 2));
+    QCOMPARE(footer->grab().toImage(), elided->grab().toImage());
 }
 
 // ---------------------------------------------------------------------------

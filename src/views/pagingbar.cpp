@@ -7,7 +7,9 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLayoutItem>
+#include <QPainter>
 #include <QSignalMapper>
+#include <QStyle>
 
 #include <limits>
 
@@ -21,6 +23,34 @@ class PageButtonItem : public QWidgetItem
 public:
     using QWidgetItem::QWidgetItem;
     QSize minimumSize() const override { return QWidgetItem::minimumSize().expandedTo(QWidgetItem::sizeHint()); }
+};
+
+// A footer text that a pane too narrow for the whole row squeezes loses its
+// end behind an ellipsis instead of its start behind the label's left edge.
+class FooterLabel : public QLabel
+{
+public:
+    using QLabel::QLabel;
+
+protected:
+    void paintEvent(QPaintEvent *event) override
+    {
+        // QLabel's own text rectangle: inside the margin, indented as a framed label is.
+        QRect room = contentsRect().adjusted(margin(), margin(), -margin(), -margin());
+        const int indent =
+            this->indent() < 0 && frameWidth() ? fontMetrics().horizontalAdvance(QLatin1Char('x')) / 2 - margin() : this->indent();
+        if (indent > 0)
+            room.adjust(alignment() & Qt::AlignLeft ? indent : 0, 0, alignment() & Qt::AlignRight ? -indent : 0, 0);
+        const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, room.width());
+        if (shown == text()) {
+            QLabel::paintEvent(event);
+            return;
+        }
+        QFrame::paintEvent(event);
+        QPainter painter(this);
+        style()->drawItemText(&painter, room, int(QStyle::visualAlignment(layoutDirection(), alignment())), palette(), isEnabled(), shown,
+                              foregroundRole());
+    }
 };
 
 // Pages are ints; arithmetic near the ends of the range saturates instead of wrapping.
@@ -219,7 +249,7 @@ void LumoPagingBar::setFooterInfos(const std::vector<PagingFooterInfo> &infos)
                 footerLabels[i]->setFixedWidth(lumo::scaled(info.width));
             continue;
         }
-        auto *label = new QLabel(info.text);
+        auto *label = new FooterLabel(info.text);
         label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
         label->setFixedHeight(lumo::scaled(24));
         if (fixedWidth)
