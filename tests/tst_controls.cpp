@@ -396,8 +396,7 @@ void TestControls::lineEditMarginsAndSpacing()
     QFETCH(int, spacing);
     QFETCH(int, scaledSpacing);
     LumoLineEdit edit;
-    // The row layout field hides QWidget::layout() on the derived type.
-    QLayout *row = static_cast<QWidget &>(edit).layout();
+    QLayout *row = edit.layout();
     QCOMPARE(row->contentsMargins(), QMargins());
     edit.setMargins(margins.left(), margins.top(), margins.right(), margins.bottom());
     edit.setSpacing(spacing);

@@ -4,6 +4,7 @@
 
 #include <lumo/controls.h>
 #include <lumo/registries.h>
+#include <lumo/views.h>
 
 #include <QtTest>
 #include <QtWidgets>
@@ -133,11 +134,14 @@ private Q_SLOTS:
     void setTextAndDefault_data();
     void setTextAndDefault();
     void correctTimeEmits();
+    void timeBoxThroughQComboBox();
     void pathRow_data();
     void pathRow();
     void overflowMenu_data();
     void overflowMenu();
     void hostilePaths();
+    void pathMenuPickWhileRefreshing();
+    void overflowFollowsWidth();
     void filterBarKeys();
     void footbar();
     void shadeStop_data();
@@ -328,6 +332,39 @@ void TestPickers::correctTimeEmits()
     QCOMPARE(plain.count(), 2);
 }
 
+void TestPickers::timeBoxThroughQComboBox()
+{
+    // Called through QComboBox, editability and the row limit end as the box's own calls leave them.
+    TimeBoxWindow own(false), base(false);
+    own.box->setEditable(true);
+    static_cast<QComboBox *>(base.box)->setEditable(true);
+    QTest::qWait(0);
+    QCOMPARE(base.state(), own.state());
+    QCOMPARE(base.qtMaxVisible(), own.qtMaxVisible());
+    QVERIFY(base.box->lineEdit()->validator());
+    QVERIFY(!base.box->completer());
+    static_cast<QComboBox *>(base.box)->setMaxVisibleItems(4);
+    base.box->showPopup();
+    QCOMPARE(base.qtMaxVisible(), 5); // plus the hidden custom row
+    base.box->hidePopup();
+    base.box->setItemVisible(true);
+    QCOMPARE(base.qtMaxVisible(), 4);
+    QVERIFY(base.typeAndLeave(QStringLiteral("9:7"), true));
+    QCOMPARE(base.state(), QStringLiteral("09:07@0+custom"));
+    QCOMPARE(base.box->time(), QTime(9, 7));
+    static_cast<QComboBox *>(base.box)->setEditable(false);
+    QTRY_COMPARE(base.box->count(), halfHours().size());
+
+    // A literal takes the box's own route; a QString QComboBox's.
+    own.box->setCurrentText("10:31");
+    QCOMPARE(own.state(), QStringLiteral("10:31@0+custom"));
+    own.box->setCurrentText(QStringLiteral("7"));
+    QCOMPARE(own.box->lineEdit()->text(), QStringLiteral("7"));
+    QCOMPARE(own.box->time(), QTime());
+    own.box->correctTime();
+    QCOMPARE(own.box->time(), QTime(7, 0));
+}
+
 void TestPickers::pathRow_data()
 {
     QTest::addColumn<QString>("path");
@@ -357,7 +394,7 @@ void TestPickers::pathRow()
     QVERIFY(QTest::qWaitForWindowExposed(&w.window));
     w.bar->refresh(QStringLiteral("old/path/first"));
     w.bar->slotUpdatePath(path);
-    QApplication::processEvents();
+    QTest::qWait(0); // the old row is deleted once control returns
     const int columns = texts.isEmpty() ? 0 : int(texts.size()) * 2 - 1;
     QCOMPARE(w.bar->columnCount(), columns);
     QCOMPARE(w.bar->viewport()->findChildren<QPushButton *>().size(), columns); // the previous row's buttons are gone
@@ -469,6 +506,7 @@ void TestPickers::hostilePaths()
 
     // Rebuilding a big row replaces it entirely.
     w.bar->refresh(QStringLiteral("a/b"));
+    QTest::qWait(0);
     QCOMPARE(w.bar->viewport()->findChildren<QPushButton *>().size(), 3);
     QVERIFY(w.folder()->isHidden());
 
@@ -481,6 +519,74 @@ void TestPickers::hostilePaths()
     w.bar->refresh(QStringLiteral("short/") + longName);
     QCOMPARE(w.menuTexts(), (QStringList {QStringLiteral("short"), longName}));
     QCOMPARE(w.bar->getPath(2), QStringLiteral("short/") + longName);
+}
+
+void TestPickers::pathMenuPickWhileRefreshing()
+{
+    // An owner that follows a focused folder tree and navigates on every pick.
+    const QString path = QStringLiteral("home/Mitarbeiter & Partner/Projects/Q3 Planning/Draft/Final");
+    QWidget window;
+    auto *tree = new LumoTreeWidget;
+    auto *bar = new LumoButtonPath;
+    auto *layout = new QVBoxLayout(&window);
+    layout->addWidget(bar);
+    layout->addWidget(tree);
+    bar->setFixedWidth(px(200));
+    tree->addTopLevelItem(new QTreeWidgetItem(QStringList {path}));
+    connect(tree, &QTreeWidget::currentItemChanged, bar, [bar](QTreeWidgetItem *item) {
+        if (item)
+            bar->refresh(item->text(0));
+    });
+    connect(bar, SIGNAL(sigUpdatePath(QString)), bar, SLOT(slotUpdatePath(QString)));
+    QSignalSpy spy(bar, SIGNAL(sigUpdatePath(QString)));
+    window.show();
+    window.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+    tree->setFocus();
+    tree->setCurrentItem(tree->topLevelItem(0));
+    auto *folder = bar->findChild<QToolButton *>();
+    QTRY_VERIFY(folder->isVisible());
+
+    // The pick closes the menu, the tree gets the focus back and re-announces
+    // its item, which rebuilds the bar before the picked entry fires.
+    QMenu *menu = folder->menu();
+    QTimer::singleShot(0, menu, [menu] {
+        QTRY_VERIFY(menu->isVisible());
+        QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(menu->actions().at(0)).center());
+    });
+    QTest::mouseClick(folder, Qt::LeftButton);
+    QTRY_COMPARE(spy, QList<QVariantList> {{QStringLiteral("home")}});
+    QCOMPARE(bar->columnCount(), 1);
+
+    // A segment button whose click rebuilds the row it sits in.
+    bar->refresh(path);
+    QTest::mouseClick(qobject_cast<QPushButton *>(bar->cellWidget(0, 2)), Qt::LeftButton);
+    QCOMPARE(spy.last(), QVariantList {QStringLiteral("home/Mitarbeiter & Partner")});
+    QCOMPARE(bar->columnCount(), 3);
+    QTest::qWait(0);
+    QCOMPARE(bar->viewport()->findChildren<QPushButton *>().size(), 3);
+}
+
+void TestPickers::overflowFollowsWidth()
+{
+    const QString path = QStringLiteral("home/Mitarbeiter & Partner/Projects/Q3 Planning/Draft/Final");
+    PathWindow w(px(2000));
+    QVERIFY(QTest::qWaitForWindowExposed(&w.window));
+    w.bar->refresh(path);
+    QVERIFY(w.folder()->isHidden());
+    // Narrowed: the same overflow as a rebuild at that width.
+    PathWindow narrow(px(250));
+    QVERIFY(QTest::qWaitForWindowExposed(&narrow.window));
+    narrow.bar->refresh(path);
+    w.bar->setFixedWidth(px(250));
+    QTRY_VERIFY(w.folder()->isVisible());
+    QCOMPARE(w.menuTexts(), narrow.menuTexts());
+    QCOMPARE(w.bar->horizontalScrollBar()->value(), narrow.bar->horizontalScrollBar()->value());
+    // Widened again: no folder button, no stale menu, the row from its start.
+    w.bar->setFixedWidth(px(2000));
+    QTRY_VERIFY(w.folder()->isHidden());
+    QVERIFY(w.menuTexts().isEmpty());
+    QCOMPARE(w.bar->horizontalScrollBar()->value(), 0);
 }
 
 void TestPickers::filterBarKeys()
@@ -535,8 +641,8 @@ void TestPickers::footbar()
     // The row as widget names, "|" for a stretch.
     const auto row = [](LumoFootbar &footbar) {
         QStringList items;
-        for (int i = 0; i < footbar.QWidget::layout()->count(); ++i) {
-            QLayoutItem *item = footbar.QWidget::layout()->itemAt(i);
+        for (int i = 0; i < footbar.layout()->count(); ++i) {
+            QLayoutItem *item = footbar.layout()->itemAt(i);
             items << (item->spacerItem() ? QStringLiteral("|") : item->widget()->objectName());
         }
         return items.join(QLatin1Char(' '));
@@ -550,12 +656,12 @@ void TestPickers::footbar()
     bar.pushLeftWidget(&b);
     bar.init();
     QCOMPARE(row(bar), QStringLiteral("a b | c"));
-    QCOMPARE(static_cast<QHBoxLayout *>(bar.QWidget::layout())->stretch(2), 1);
+    QCOMPARE(static_cast<QHBoxLayout *>(bar.layout())->stretch(2), 1);
     // Truncated after scaling: at 1.5, 3 gives 4 and 5 gives 7.
     bar.setMargins(1, 3, 5, 7);
     bar.setSpacing(5);
-    QCOMPARE(bar.QWidget::layout()->contentsMargins(), QMargins(px(1), px(3), px(5), px(7)));
-    QCOMPARE(bar.QWidget::layout()->spacing(), px(5));
+    QCOMPARE(bar.layout()->contentsMargins(), QMargins(px(1), px(3), px(5), px(7)));
+    QCOMPARE(bar.layout()->spacing(), px(5));
 
     // init() before any push gives the stretch alone; a later push waits for the next init().
     empty.init();

@@ -138,7 +138,7 @@ private Q_SLOTS:
         QFETCH(QMargins, expected);
         QFETCH(bool, followsReach);
         BoxShadowWrapper wrapper(nullptr, 2, custom, margins, true);
-        QLayout *box = static_cast<QWidget &>(wrapper).layout(); // the wrapper's field hides layout()
+        QLayout *box = wrapper.layout();
         QCOMPARE(box->contentsMargins(), expected);
         QCOMPARE(box->alignment(), Qt::AlignCenter);
         auto *child = new QWidget;

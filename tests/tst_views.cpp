@@ -176,6 +176,8 @@ private Q_SLOTS:
     void rightmostStyle();
     void footerWidths_data();
     void footerWidths();
+    void narrowPaneKeepsText_data();
+    void narrowPaneKeepsText();
 
     void weekdaysStartOnSunday();
     void monthTitlesFollowPages();
@@ -444,6 +446,59 @@ void TestViews::footerWidths()
     QCOMPARE(label->maximumWidth(), fixed < 0 ? QWIDGETSIZE_MAX : scaled(fixed));
 }
 
+void TestViews::narrowPaneKeepsText_data()
+{
+    QTest::addColumn<int>("items");
+    QTest::addColumn<int>("page");
+    QTest::newRow("page 1 of 4") << 36 << 1;
+    QTest::newRow("three-digit pages") << 5000 << 120;
+}
+
+void TestViews::narrowPaneKeepsText()
+{
+    // A pane without a layout gives the bar exactly the width it is told, as a
+    // narrow splitter pane does; down to the bar's minimum nothing may be cut.
+    QFETCH(int, items);
+    QFETCH(int, page);
+    QWidget pane;
+    LumoPagingModel model(10);
+    auto *bar = new LumoPagingBar(&model, &pane);
+    bar->setItemCount(items);
+    bar->setPage(page);
+    bar->setFooterText(QStringLiteral("%1 file(s)").arg(items));
+    QVERIFY(showAt(pane, 1200, 60));
+    const int roomy = bar->sizeHint().width();
+    for (int width : {roomy, roomy - scaled(50), bar->minimumSizeHint().width()}) {
+        bar->setGeometry(0, 0, width, bar->sizeHint().height());
+        QTest::qWait(0);
+        for (QPushButton *button : bar->findChildren<LumoButton *>()) {
+            QVERIFY2(button->width() >= button->sizeHint().width(), qPrintable(button->text()));
+            QCOMPARE(button->minimumWidth(), scaled(24));
+        }
+        QLabel *footer = nullptr;
+        for (QLabel *label : bar->findChildren<QLabel *>())
+            footer = label->text().isEmpty() ? footer : label;
+        QVERIFY(footer && footer->width() >= footer->sizeHint().width());
+        QVERIFY(footer->geometry().right() < footer->parentWidget()->width());
+    }
+    // Narrower still, the footer gives way first and shows the start of its text.
+    bar->setGeometry(0, 0, bar->minimumSizeHint().width() - scaled(30), bar->sizeHint().height());
+    QTest::qWait(0);
+    QLabel *footer = nullptr;
+    for (QLabel *label : bar->findChildren<QLabel *>())
+        footer = label->text().isEmpty() ? footer : label;
+    QVERIFY(footer->width() < footer->sizeHint().width());
+    // Painted as a label of the elided text would be.
+    auto *elided = new QLabel(footer->parentWidget());
+    elided->setStyleSheet(footer->styleSheet());
+    elided->setAlignment(footer->alignment());
+    elided->setFixedSize(footer->size());
+    elided->ensurePolished();
+    elided->setText(footer->fontMetrics().elidedText(
+        footer->text(), Qt::ElideRight, footer->contentsRect().width() - footer->fontMetrics().horizontalAdvance(QLatin1Char('x')) / 2));
+    QCOMPARE(footer->grab().toImage(), elided->grab().toImage());
+}
+
 // ---------------------------------------------------------------------------
 // Calendar view and date selector
 
@@ -559,6 +614,7 @@ void TestViews::datePicks()
     selector.showPopup();
     QTRY_VERIFY(view->isVisible());
     QSignalSpy spy(view, SIGNAL(sigDateSelect(QDate)));
+    QSignalSpy changed(&selector, SIGNAL(sigDateChanged(QDate)));
     QTableView *grid = gridOf(view);
     if (how == QLatin1String("click")) {
         QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, grid->visualRect(cellOfDay(grid, date.day())).center());
@@ -573,6 +629,8 @@ void TestViews::datePicks()
     QCOMPARE(spy.at(0).at(0).toDate(), date);
     QCOMPARE(selector.currentText(), date.toString(QStringLiteral("yyyy-MM-dd")));
     QCOMPARE(selector.currentData().toDate(), date);
+    QCOMPARE(selector.date(), date);
+    QCOMPARE(changed, QList<QVariantList> {{date}});
     QCOMPARE(calendarOf(view)->selectedDate(), date);
     QCOMPARE(QDate(calendarOf(view)->yearShown(), calendarOf(view)->monthShown(), 1), QDate(date.year(), date.month(), 1));
     QTRY_VERIFY(!view->isVisible());
@@ -596,8 +654,10 @@ void TestViews::invalidDates()
     selector.getCalendarView()->setCurrentPage(2011, 8);
     selector.showPopup();
     QTRY_VERIFY(selector.view()->isVisible());
+    QSignalSpy changed(&selector, SIGNAL(sigDateChanged(QDate)));
     // The default text and a null date; the page and the open popup stay.
     selector.dateSelect(date);
+    QCOMPARE(changed, QList<QVariantList> {{QDate()}});
     QCOMPARE(selector.count(), 1);
     QCOMPARE(selector.currentText(), QStringLiteral("No date"));
     QVERIFY(selector.currentData().toDate().isNull());
@@ -610,10 +670,15 @@ void TestViews::invalidDates()
 void TestViews::clearDate()
 {
     LumoDateSelector selector;
+    QSignalSpy changed(&selector, SIGNAL(sigDateChanged(QDate)));
     QCalendarWidget *calendar = calendarOf(selector.view());
+    selector.clearDate(); // no date yet: no change
     selector.dateSelect(QDate(2015, 6, 7));
+    selector.dateSelect(QDate(2015, 6, 7)); // the same date again: no change
     calendar->setSelectedDate(QDate(2015, 6, 7));
     selector.clearDate();
+    QCOMPARE(changed, (QList<QVariantList> {{QDate(2015, 6, 7)}, {QDate()}}));
+    QCOMPARE(selector.date(), QDate());
     QCOMPARE(selector.count(), 1);
     QCOMPARE(selector.currentIndex(), 0);
     QCOMPARE(selector.currentText(), QStringLiteral("choose date"));
@@ -655,6 +720,7 @@ void TestViews::distribution()
     QFETCH(double, tableWidth);
     QFETCH(QList<int>, expected);
     LumoTableWidget table(columnsOf(columns));
+    QCOMPARE(table.layout()->count(), 2); // the header's scroll area over the table
     table.slotTableResized(QSize(scaled(tableWidth), scaled(300)));
     // Exact at every scale used here: free width and shares are whole multiples of the scale's pixels.
     QList<int> want;

@@ -170,7 +170,7 @@ public:
 private:
     Q_DISABLE_COPY(LumoLineEdit)
 
-    QHBoxLayout *layout;
+    QHBoxLayout *boxLayout;
     QLabel *preLabel;
     QLabel *postLabel;
     QLineEdit *lineEdit;
@@ -291,6 +291,7 @@ Q_DECLARE_METATYPE(LumoLabel)
 #include <QLineEdit>
 #include <QScrollArea>
 #include <QTableWidget>
+#include <QTime>
 
 #include <string>
 #include <vector>
@@ -327,15 +328,29 @@ public:
     explicit LumoTimeComboBox(QWidget *parent = nullptr);
     ~LumoTimeComboBox() override;
 
-    /** Adds the custom row (hidden) and the time validator, or removes the row again. */
+    /**
+     * Adds the custom row (hidden) and the time validator, or removes the row
+     * again. Called through QComboBox instead, the same follows before the box
+     * is next used (at the latest once control returns to the event loop).
+     */
     void setEditable(bool editable);
     /** Shows or hides the custom row; only an editable box has one. */
     void setItemVisible(bool visible);
-    /** The number of rows the popup shows, not counting a hidden custom row. */
+    /**
+     * The number of rows the popup shows, not counting a hidden custom row.
+     * A limit set through QComboBox counts the same from the next adjustment
+     * or popup on.
+     */
     void setMaxVisibleItems(int maxItems);
     void adjustMaxVisibleItems();
     /** Selects the row of @p text (UTF-8); an editable box shows an unknown time in the custom row. */
     void setCurrentText(const std::string &text);
+    /** As above; keeps a string literal from being an ambiguous call. */
+    void setCurrentText(const char *text);
+    /** QComboBox's own: the line edit's text when editable, else the matching row. */
+    using QComboBox::setCurrentText;
+    /** The time of the current row, or a null time while no "hh:mm" is chosen. */
+    QTime time() const;
     /** As setCurrentText, but only remembers the row as the one empty input returns to. */
     void setDefault(const std::string &text);
     /** A suffix shown after the time in the custom row; applies to the next label built. */
@@ -343,10 +358,13 @@ public:
     /** Normalises the typed text to "hh:mm" and selects its row or the custom row. */
     void correctTime();
 
+    void showPopup() override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     Q_DISABLE_COPY(LumoTimeComboBox)
+    /** Adds or removes the custom row when the editability changed, whichever way it was set. */
+    void syncEditable();
     QString customLabel(const QString &time) const;
     void showCustomRow(bool visible);
     bool customRowHidden() const;
@@ -358,6 +376,8 @@ private:
     int defaultIndex;
     int maxVisible;
     QString customText;
+    bool customRowAdded = false;
+    int toldMaxVisible; // the limit last handed to QComboBox
 };
 
 /**
@@ -374,7 +394,11 @@ public:
     explicit LumoButtonPath(QWidget *parent = nullptr);
     ~LumoButtonPath() override;
 
-    /** Rebuilds the row for @p path. Call it once the bar has its real width. */
+    /**
+     * Rebuilds the row for @p path. The old buttons and menu entries are
+     * deleted once control returns to the event loop, so the owner may call
+     * it from their signals; a menu entry picked meanwhile still delivers its path.
+     */
     void refresh(QString path);
     /** The path up to the button at list index @p index, without a leading slash. */
     QString getPath(int index);
@@ -388,8 +412,14 @@ public Q_SLOTS:
     void slotUpdatePath(QString path);
     void slotPathBarClicked(int index);
 
+protected:
+    /** Redoes the overflow pass for the new width: widening hides the folder button again. */
+    void resizeEvent(QResizeEvent *event) override;
+
 private:
     Q_DISABLE_COPY(LumoButtonPath)
+    /** Empties the overflow menu; its entries are deleted only once control returns. */
+    void retireMenu();
 
     QList<QPushButton *> buttons;
     QToolButton *changeFolderBtn;
@@ -448,7 +478,7 @@ public:
 private:
     Q_DISABLE_COPY(LumoFootbar)
 
-    QHBoxLayout *layout;
+    QHBoxLayout *boxLayout;
     std::vector<QWidget *> leftWidgets;
     std::vector<QWidget *> rightWidgets;
 };

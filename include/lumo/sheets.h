@@ -108,7 +108,7 @@ public:
 private:
     bool customMargins;
     QWidget *widget = nullptr;
-    QVBoxLayout *layout;
+    QVBoxLayout *boxLayout;
     BoxShadow *effect;
 
     Q_DISABLE_COPY(BoxShadowWrapper)

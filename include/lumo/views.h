@@ -213,6 +213,12 @@ public:
     void clearDate();
     /** The popup view, for setting its date range. */
     LumoCalanderView *getCalendarView();
+    /** The date shown, or a null date while the default text shows. */
+    QDate date() const;
+
+Q_SIGNALS:
+    /** The date shown changed (to a null date when the default text comes back). */
+    void sigDateChanged(QDate date);
 
 public Q_SLOTS:
     /** Shows a valid date and closes the popup; an invalid one shows the default text and changes nothing else. */
@@ -303,7 +309,7 @@ private:
     QHeaderView *header = nullptr;
     QTableWidget *headerModelTable = nullptr;
     ResizeSignalTableWidget *table = nullptr;
-    QVBoxLayout *layout = nullptr;
+    QVBoxLayout *boxLayout = nullptr;
 };
 
 // ---------------------------------------------------------------------------

@@ -1,5 +1,6 @@
 #include <lumo/controls.h>
 
+#include "controls/buttonpath_p.h"
 #include "resources/registries_p.h"
 
 #include <QAction>
@@ -9,6 +10,41 @@
 #include <QSignalMapper>
 
 #include <limits>
+
+namespace lumo
+{
+QString segmentPath(const QStringList &texts, int last)
+{
+    QString result;
+    for (int k = 0; k <= last && k < texts.size(); ++k) {
+        if (k > 0)
+            result += QLatin1Char('/');
+        QString text = texts.at(k);
+        if (text.contains(QLatin1Char('&')))
+            text.replace(QStringLiteral("&&"), QStringLiteral("&"));
+        result += text;
+    }
+    return result;
+}
+}
+
+RetiredPathMenu::RetiredPathMenu(QMenu *menu, const QStringList &texts, QObject *parent)
+    : QObject(parent)
+    , texts(texts)
+{
+    for (QAction *action : menu->actions()) {
+        menu->removeAction(action);
+        action->setParent(this);
+        connect(action, SIGNAL(triggered(bool)), this, SLOT(pick()));
+    }
+    deleteLater();
+}
+
+void RetiredPathMenu::pick()
+{
+    if (auto *action = qobject_cast<QAction *>(sender()))
+        Q_EMIT picked(lumo::segmentPath(texts, action->data().toInt() / 2));
+}
 
 LumoButtonPath::LumoButtonPath(QWidget *parent)
     : QTableWidget(parent)
@@ -61,22 +97,38 @@ LumoButtonPath::~LumoButtonPath()
     delete changeFolderBtn->menu();
 }
 
+void LumoButtonPath::retireMenu()
+{
+    QMenu *menu = changeFolderBtn->menu();
+    const QList<QAction *> actions = menu->actions();
+    if (actions.isEmpty())
+        return;
+    // Unmapped first: a mapper looks each destroyed sender up among all its
+    // senders, which makes clearing thousands of entries quadratic.
+    for (QAction *action : actions) {
+        disconnect(action, nullptr, menuMapper, nullptr);
+        menuMapper->removeMappings(action);
+    }
+    QStringList texts;
+    for (int k = 0; k < buttons.size(); k += 2)
+        texts << (buttons.at(k) ? buttons.at(k)->text() : QString());
+    auto *retired = new RetiredPathMenu(menu, texts, this);
+    connect(retired, SIGNAL(picked(QString)), this, SIGNAL(sigUpdatePath(QString)));
+}
+
 void LumoButtonPath::refresh(QString path)
 {
     viewWidth = horizontalScrollBar()->pageStep();
     changeFolderBtn->hide();
-    // Unmapped first: a mapper looks each destroyed sender up among all its
-    // senders, which makes clearing thousands of entries quadratic.
-    for (QAction *action : changeFolderBtn->menu()->actions()) {
-        disconnect(action, nullptr, menuMapper, nullptr);
-        menuMapper->removeMappings(action);
-    }
-    changeFolderBtn->menu()->clear();
+    retireMenu();
+    // Deleted once control returns to the event loop: the owner may refresh
+    // from the click of one of them.
     while (!buttons.isEmpty()) {
         if (QPushButton *button = buttons.takeFirst()) {
             disconnect(button, nullptr, nameMapper, nullptr);
             nameMapper->removeMappings(button);
-            delete button;
+            button->hide();
+            button->deleteLater();
         }
     }
     clear();
@@ -127,21 +179,14 @@ void LumoButtonPath::refresh(QString path)
 
 QString LumoButtonPath::getPath(int index)
 {
-    QString result;
     if (index < 0)
-        return result;
+        return QString();
     const int last = qMin(index, int(buttons.size()) - 1);
-    for (int k = 0; k <= last; ++k) {
-        if (k % 2 == 1) {
-            result += QLatin1Char('/');
-            continue;
-        }
-        QString text = buttons.at(k) ? buttons.at(k)->text() : QString();
-        if (text.contains(QLatin1Char('&')))
-            text.replace(QStringLiteral("&&"), QStringLiteral("&"));
-        result += text;
-    }
-    return result;
+    QStringList texts;
+    for (int k = 0; k <= last; k += 2)
+        texts << (buttons.at(k) ? buttons.at(k)->text() : QString());
+    // An arrow index ends the path with its slash.
+    return lumo::segmentPath(texts, last / 2) + (last % 2 == 1 ? QStringLiteral("/") : QString());
 }
 
 void LumoButtonPath::updateColumnSize()
@@ -177,6 +222,7 @@ void LumoButtonPath::setChangeFolderBtn(int totalWidth)
         auto *action = new QAction(menu);
         menu->addAction(action);
         action->setText(c < buttons.size() && buttons.at(c) ? buttons.at(c)->text() : QString());
+        action->setData(c);
         connect(action, SIGNAL(triggered(bool)), menuMapper, SLOT(map()));
         menuMapper->setMapping(action, c);
         // The first partly visible segment is listed too: the folder button covers it.
@@ -187,6 +233,19 @@ void LumoButtonPath::setChangeFolderBtn(int totalWidth)
     // The view defers its scroll range to the next layout pass; the row was just built.
     updateGeometries();
     horizontalScrollBar()->setValue(horizontalScrollBar()->maximum());
+}
+
+void LumoButtonPath::resizeEvent(QResizeEvent *event)
+{
+    QTableWidget::resizeEvent(event);
+    // The overflow follows the width without a new refresh() by the owner.
+    const int width = horizontalScrollBar()->pageStep();
+    if (width == viewWidth || columnCount() == 0)
+        return;
+    viewWidth = width;
+    changeFolderBtn->hide();
+    retireMenu();
+    updateColumnSize();
 }
 
 void LumoButtonPath::slotUpdatePath(QString path)

@@ -2,6 +2,7 @@
 
 #include "resources/registries_p.h"
 
+#include <QCoreApplication>
 #include <QEvent>
 #include <QFrame>
 #include <QKeyEvent>
@@ -15,6 +16,14 @@ namespace
 {
 // Marks the delegate the box creates so that only that one is deleted with it.
 const char delegateName[] = "lumoComboDelegate";
+
+// Posted to a time box that got a child: QComboBox::setEditable() adds its
+// line edit only after announcing the child.
+QEvent::Type syncEditableEvent()
+{
+    static const auto type = QEvent::Type(QEvent::registerEventType());
+    return type;
+}
 }
 
 LumoComboBox::LumoComboBox(QWidget *parent)
@@ -60,6 +69,7 @@ LumoTimeComboBox::LumoTimeComboBox(QWidget *parent)
     , customIndex(0)
     , defaultIndex(0)
     , maxVisible(QComboBox::maxVisibleItems())
+    , toldMaxVisible(maxVisible)
 {
     installEventFilter(this);
     view()->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
@@ -69,10 +79,16 @@ LumoTimeComboBox::~LumoTimeComboBox() = default;
 
 void LumoTimeComboBox::setEditable(bool editable)
 {
-    if (editable == isEditable())
-        return;
     QComboBox::setEditable(editable);
-    if (!editable) {
+    syncEditable();
+}
+
+void LumoTimeComboBox::syncEditable()
+{
+    if (isEditable() == customRowAdded)
+        return;
+    customRowAdded = isEditable();
+    if (!customRowAdded) {
         removeItem(customIndex);
         return;
     }
@@ -90,6 +106,7 @@ void LumoTimeComboBox::setEditable(bool editable)
 
 void LumoTimeComboBox::setItemVisible(bool visible)
 {
+    syncEditable();
     showCustomRow(visible);
     adjustMaxVisibleItems();
 }
@@ -97,21 +114,40 @@ void LumoTimeComboBox::setItemVisible(bool visible)
 void LumoTimeComboBox::setMaxVisibleItems(int maxItems)
 {
     maxVisible = maxItems;
+    toldMaxVisible = QComboBox::maxVisibleItems(); // supersedes a limit set through QComboBox
     adjustMaxVisibleItems();
 }
 
 void LumoTimeComboBox::adjustMaxVisibleItems()
 {
+    // A limit set through QComboBox since the last adjustment is the owner's new one.
+    if (QComboBox::maxVisibleItems() != toldMaxVisible)
+        maxVisible = QComboBox::maxVisibleItems();
     // A hidden row still counts against Qt's limit.
-    if (isEditable() && customRowHidden())
-        QComboBox::setMaxVisibleItems(maxVisible + 1);
-    else
-        QComboBox::setMaxVisibleItems(maxVisible);
+    toldMaxVisible = isEditable() && customRowHidden() ? maxVisible + 1 : maxVisible;
+    QComboBox::setMaxVisibleItems(toldMaxVisible);
 }
 
 void LumoTimeComboBox::setCurrentText(const std::string &text)
 {
     setCurrentIndex(chooseRow(QString::fromUtf8(text.data(), qsizetype(text.size()))));
+}
+
+void LumoTimeComboBox::setCurrentText(const char *text)
+{
+    setCurrentText(std::string(text ? text : ""));
+}
+
+QTime LumoTimeComboBox::time() const
+{
+    return QTime::fromString(currentText().left(5), QStringLiteral("hh:mm"));
+}
+
+void LumoTimeComboBox::showPopup()
+{
+    syncEditable();
+    adjustMaxVisibleItems();
+    LumoComboBox::showPopup();
 }
 
 void LumoTimeComboBox::setDefault(const std::string &text)
@@ -126,6 +162,7 @@ void LumoTimeComboBox::setCustomText(const QString &text)
 
 int LumoTimeComboBox::chooseRow(const QString &text)
 {
+    syncEditable();
     const int idx = findRow(text);
     if (!isEditable())
         return idx >= 0 ? idx : 0;
@@ -146,12 +183,23 @@ bool LumoTimeComboBox::eventFilter(QObject *watched, QEvent *event)
     // The combo box filters its line edit and popup itself.
     if (watched != this)
         return LumoComboBox::eventFilter(watched, event);
+    if (event->type() == syncEditableEvent()) {
+        syncEditable();
+        return true;
+    }
     {
         switch (event->type()) {
+        case QEvent::ChildAdded:
+            QCoreApplication::postEvent(this, new QEvent(syncEditableEvent()));
+            break;
+        case QEvent::ChildRemoved: // QComboBox::setEditable(false) deletes its line edit later
+            syncEditable();
+            break;
         case QEvent::FocusOut:
             correctTime();
             break;
         case QEvent::FocusIn:
+            syncEditable();
             // Only the time itself is edited, without the suffix.
             if (isEditable() && currentIndex() == customIndex)
                 setItemText(customIndex, currentText().left(5));
@@ -171,6 +219,7 @@ bool LumoTimeComboBox::eventFilter(QObject *watched, QEvent *event)
 
 void LumoTimeComboBox::correctTime()
 {
+    syncEditable();
     const QString s = currentText().left(5);
     if (s.isEmpty()) {
         if (defaultIndex < count()) {

@@ -6,7 +6,7 @@
 
 LumoFootbar::LumoFootbar(QWidget *parent)
     : QWidget(parent)
-    , layout(new QHBoxLayout(this))
+    , boxLayout(new QHBoxLayout(this))
 {
 }
 
@@ -26,20 +26,20 @@ void LumoFootbar::init()
 {
     setMargins(20, 8, 20, 8);
     setSpacing(10);
-    layout->setAlignment(Qt::AlignLeft);
+    boxLayout->setAlignment(Qt::AlignLeft);
     for (QWidget *widget : leftWidgets)
-        layout->addWidget(widget, 0, Qt::AlignVCenter);
-    layout->addStretch(1);
+        boxLayout->addWidget(widget, 0, Qt::AlignVCenter);
+    boxLayout->addStretch(1);
     for (QWidget *widget : rightWidgets)
-        layout->addWidget(widget, 0, Qt::AlignVCenter);
+        boxLayout->addWidget(widget, 0, Qt::AlignVCenter);
 }
 
 void LumoFootbar::setMargins(int left, int top, int right, int bottom)
 {
-    layout->setContentsMargins(lumo::scaled(left), lumo::scaled(top), lumo::scaled(right), lumo::scaled(bottom));
+    boxLayout->setContentsMargins(lumo::scaled(left), lumo::scaled(top), lumo::scaled(right), lumo::scaled(bottom));
 }
 
 void LumoFootbar::setSpacing(int spacing)
 {
-    layout->setSpacing(lumo::scaled(spacing));
+    boxLayout->setSpacing(lumo::scaled(spacing));
 }

@@ -8,7 +8,7 @@
 
 LumoLineEdit::LumoLineEdit(QWidget *parent)
     : QWidget(parent)
-    , layout(nullptr)
+    , boxLayout(nullptr)
     , preLabel(new QLabel)
     , postLabel(nullptr)
     , lineEdit(nullptr)
@@ -20,25 +20,25 @@ LumoLineEdit::LumoLineEdit(QWidget *parent)
     postLabel = new QLabel;
     postLabel->setStyleSheet(lumo::style("component.lineedit_label"));
 
-    layout = new QHBoxLayout(this);
-    layout->setAlignment(Qt::AlignLeft);
-    layout->setSpacing(lumo::scaled(0));
-    layout->setContentsMargins(lumo::scaled(0), lumo::scaled(0), lumo::scaled(0), lumo::scaled(0));
-    layout->addWidget(preLabel, 0);
-    layout->addWidget(lineEdit, 0);
-    layout->addWidget(postLabel, 0);
+    boxLayout = new QHBoxLayout(this);
+    boxLayout->setAlignment(Qt::AlignLeft);
+    boxLayout->setSpacing(lumo::scaled(0));
+    boxLayout->setContentsMargins(lumo::scaled(0), lumo::scaled(0), lumo::scaled(0), lumo::scaled(0));
+    boxLayout->addWidget(preLabel, 0);
+    boxLayout->addWidget(lineEdit, 0);
+    boxLayout->addWidget(postLabel, 0);
 }
 
 LumoLineEdit::~LumoLineEdit() = default;
 
 void LumoLineEdit::setMargins(int left, int top, int right, int bottom)
 {
-    layout->setContentsMargins(lumo::scaled(left), lumo::scaled(top), lumo::scaled(right), lumo::scaled(bottom));
+    boxLayout->setContentsMargins(lumo::scaled(left), lumo::scaled(top), lumo::scaled(right), lumo::scaled(bottom));
 }
 
 void LumoLineEdit::setSpacing(int spacing)
 {
-    layout->setSpacing(lumo::scaled(spacing));
+    boxLayout->setSpacing(lumo::scaled(spacing));
 }
 
 void LumoLineEdit::setValidator(Validator fn)

@@ -291,16 +291,16 @@ QPixmap BoxShadow::smoothInsideShadow()
 BoxShadowWrapper::BoxShadowWrapper(QWidget *parent, int border, bool customMargins, const std::vector<int> &margins, bool smooth)
     : QWidget(parent)
     , customMargins(customMargins || !margins.empty())
-    , layout(new QVBoxLayout(this))
+    , boxLayout(new QVBoxLayout(this))
     , effect(new BoxShadow(border, smooth))
 {
-    layout->setAlignment(Qt::AlignCenter);
+    boxLayout->setAlignment(Qt::AlignCenter);
     if (!this->customMargins)
-        layout->setContentsMargins(0, 0, 0, 0);
+        boxLayout->setContentsMargins(0, 0, 0, 0);
     else if (margins.size() == 4)
-        layout->setContentsMargins(margins[0], margins[1], margins[2], margins[3]);
+        boxLayout->setContentsMargins(margins[0], margins[1], margins[2], margins[3]);
     else if (margins.size() == 2)
-        layout->setContentsMargins(margins[0], margins[1], margins[0], margins[1]);
+        boxLayout->setContentsMargins(margins[0], margins[1], margins[0], margins[1]);
 }
 
 BoxShadowWrapper::~BoxShadowWrapper()
@@ -314,7 +314,7 @@ void BoxShadowWrapper::setWidget(QWidget *child)
 {
     widget = child;
     widget->setGraphicsEffect(effect);
-    layout->addWidget(widget);
+    boxLayout->addWidget(widget);
 }
 
 void BoxShadowWrapper::setInsideShadowList(std::vector<ShadowData> &&shadows)
@@ -327,7 +327,7 @@ void BoxShadowWrapper::setOutsideShadowList(std::vector<ShadowData> &&shadows)
     effect->setOutsideShadowList(std::move(shadows));
     if (!customMargins) {
         const QSize reach = effect->necessary_indentation();
-        layout->setContentsMargins(reach.width(), reach.height(), reach.width(), reach.height());
+        boxLayout->setContentsMargins(reach.width(), reach.height(), reach.width(), reach.height());
     }
 }
 

@@ -27,26 +27,37 @@ LumoDateSelector::~LumoDateSelector() = default;
 
 void LumoDateSelector::dateSelect(const QDate &date)
 {
+    const QDate before = this->date();
     clear();
     if (!date.isValid()) {
         // Nothing else: the page stays and the popup stays open.
         addItem(defaultText, QVariant::fromValue(QDate()));
-        return;
+    } else {
+        addItem(date.toString(QStringLiteral("yyyy-MM-dd")), QVariant::fromValue(date));
+        setCurrentIndex(0);
+        calendarView->setCurrentPage(date.year(), date.month());
+        update();
+        hidePopup();
     }
-    addItem(date.toString(QStringLiteral("yyyy-MM-dd")), QVariant::fromValue(date));
-    setCurrentIndex(0);
-    calendarView->setCurrentPage(date.year(), date.month());
-    update();
-    hidePopup();
+    if (this->date() != before)
+        Q_EMIT sigDateChanged(this->date());
 }
 
 void LumoDateSelector::clearDate()
 {
+    const QDate before = date();
     const QDate today = QDate::currentDate();
     clear();
     addItem(defaultText, QVariant::fromValue(QDate()));
     setCurrentIndex(0);
     calendarView->setCurrentPage(today.year(), today.month());
+    if (before.isValid())
+        Q_EMIT sigDateChanged(QDate());
+}
+
+QDate LumoDateSelector::date() const
+{
+    return currentData().toDate();
 }
 
 LumoCalanderView *LumoDateSelector::getCalendarView()

@@ -6,12 +6,53 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLayoutItem>
+#include <QPainter>
 #include <QSignalMapper>
+#include <QStyle>
 
 #include <limits>
 
 namespace
 {
+// The layout's view of a page button: never narrower than its number needs.
+// The button's own minimum width is only the floor for short numbers, and a
+// squeezed row would otherwise cut the number at it.
+class PageButtonItem : public QWidgetItem
+{
+public:
+    using QWidgetItem::QWidgetItem;
+    QSize minimumSize() const override { return QWidgetItem::minimumSize().expandedTo(QWidgetItem::sizeHint()); }
+};
+
+// A footer text that a pane too narrow for the whole row squeezes loses its
+// end behind an ellipsis instead of its start behind the label's left edge.
+class FooterLabel : public QLabel
+{
+public:
+    using QLabel::QLabel;
+
+protected:
+    void paintEvent(QPaintEvent *event) override
+    {
+        // QLabel's own text rectangle: inside the margin, indented as a framed label is.
+        QRect room = contentsRect().adjusted(margin(), margin(), -margin(), -margin());
+        const int indent =
+            this->indent() < 0 && frameWidth() ? fontMetrics().horizontalAdvance(QLatin1Char('x')) / 2 - margin() : this->indent();
+        if (indent > 0)
+            room.adjust(alignment() & Qt::AlignLeft ? indent : 0, 0, alignment() & Qt::AlignRight ? -indent : 0, 0);
+        const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, room.width());
+        if (shown == text()) {
+            QLabel::paintEvent(event);
+            return;
+        }
+        QFrame::paintEvent(event);
+        QPainter painter(this);
+        style()->drawItemText(&painter, room, int(QStyle::visualAlignment(layoutDirection(), alignment())), palette(), isEnabled(), shown,
+                              foregroundRole());
+    }
+};
+
 // Pages are ints; arithmetic near the ends of the range saturates instead of wrapping.
 int clampToInt(qint64 value)
 {
@@ -131,12 +172,15 @@ void LumoPagingBar::initializeUI()
     for (int i = 0; i < 5; ++i) {
         if (i > 0)
             mainLayout->addSpacing(lumo::scaled(4));
-        mainLayout->addWidget(pageButtons[i], 0, Qt::AlignCenter);
+        auto *item = new PageButtonItem(pageButtons[i]); // the inner widget adopts it with the layout
+        item->setAlignment(Qt::AlignCenter);
+        mainLayout->addItem(item);
     }
     mainLayout->addWidget(next5Button, 0, Qt::AlignRight | Qt::AlignVCenter);
     mainLayout->addWidget(lastPageButton, 0, Qt::AlignRight | Qt::AlignVCenter);
     mainLayout->addStretch();
-    mainLayout->addSpacing(lumo::scaled(50));
+    // The gap is the first to give way in a narrow pane, before any text is cut.
+    mainLayout->addSpacerItem(new QSpacerItem(lumo::scaled(50), 0, QSizePolicy::Maximum, QSizePolicy::Minimum));
     mainLayout->addLayout(rightLayout, 0);
 
     auto *border = new QWidget;
@@ -205,7 +249,7 @@ void LumoPagingBar::setFooterInfos(const std::vector<PagingFooterInfo> &infos)
                 footerLabels[i]->setFixedWidth(lumo::scaled(info.width));
             continue;
         }
-        auto *label = new QLabel(info.text);
+        auto *label = new FooterLabel(info.text);
         label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
         label->setFixedHeight(lumo::scaled(24));
         if (fixedWidth)

@@ -106,9 +106,9 @@ void LumoTableWidget::initailze()
     // Always on keeps the bar's room reserved under the header's extra column; it shows only when needed.
     table->verticalScrollBar()->hide();
 
-    layout = new QVBoxLayout(this);
-    layout->setSpacing(lumo::scaled(0));
-    layout->setContentsMargins(lumo::scaled(0), lumo::scaled(0), lumo::scaled(0), lumo::scaled(0));
+    boxLayout = new QVBoxLayout(this);
+    boxLayout->setSpacing(lumo::scaled(0));
+    boxLayout->setContentsMargins(lumo::scaled(0), lumo::scaled(0), lumo::scaled(0), lumo::scaled(0));
 
     headerScrollArea = new QScrollArea;
     headerScrollArea->setFixedHeight(lumo::scaled(30));
@@ -118,8 +118,8 @@ void LumoTableWidget::initailze()
     headerScrollArea->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     headerScrollArea->setStyleSheet(QStringLiteral("QScrollArea { border: none; }"));
 
-    layout->addWidget(headerScrollArea);
-    layout->addWidget(table);
+    boxLayout->addWidget(headerScrollArea);
+    boxLayout->addWidget(table);
 
     connect(header, SIGNAL(sectionResized(int, int, int)), this, SLOT(slotSectionResized(int, int, int)));
     connect(table->verticalScrollBar(), SIGNAL(rangeChanged(int, int)), this, SLOT(slotVerticalScrollRangeChanged(int, int)));
