@@ -6,6 +6,7 @@
 #include <lumo/lumo.h>
 
 #include <QHBoxLayout>
+#include <QPixmapCache>
 #include <QTemporaryDir>
 #include <QVBoxLayout>
 #include <QtTest>
@@ -321,6 +322,34 @@ private Q_SLOTS:
         QVERIFY(alphaAt(m - 1) > 0 && alphaAt(m - 1) < 255);
         QVERIFY(alphaAt(sheet->width() - m) > 0 && alphaAt(sheet->width() - m) < 255);
         QVERIFY(alphaAt(m / 2) < alphaAt(m - 1)); // fading outward
+    }
+
+    void sheetBandFromCacheMatchesUncached()
+    {
+        auto window = makeWindow(QSize(500, 400));
+        auto *sheet = new LumoSheet(window.get());
+        auto render = [&] {
+            QImage image(sheet->size() * window->devicePixelRatioF(), QImage::Format_ARGB32);
+            image.setDevicePixelRatio(window->devicePixelRatioF());
+            image.fill(Qt::transparent);
+            sheet->render(&image, QPoint(), QRegion(), QWidget::RenderFlags());
+            return image;
+        };
+        const QList<QSize> sizes {{260, 180}, {331, 203}, {260, 180}};
+        QList<QImage> cached; // each size painted twice: stretching and keeping, then reusing
+        for (QSize size : sizes) {
+            sheet->resize(size);
+            cached << render() << render();
+        }
+        const int limit = QPixmapCache::cacheLimit();
+        QPixmapCache::setCacheLimit(0); // empties the cache and keeps nothing: every tile is stretched anew
+        for (qsizetype i = 0; i < sizes.size(); ++i) {
+            sheet->resize(sizes[i]);
+            const QImage uncached = render();
+            QCOMPARE(cached[2 * i], uncached);
+            QCOMPARE(cached[2 * i + 1], uncached);
+        }
+        QPixmapCache::setCacheLimit(limit);
     }
 
 private:
