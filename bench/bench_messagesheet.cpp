@@ -1,6 +1,8 @@
 // Building an information sheet over a window, showing it to its first painted
 // frame and closing it, against a plain QMessageBox with the same text and button.
 
+#include "benchreport.h"
+
 #include <lumo/lumo.h>
 
 #include <QApplication>
@@ -14,8 +16,6 @@
 #include <QTemporaryDir>
 #include <QTextStream>
 #include <QVBoxLayout>
-
-#include <cstdio>
 
 namespace
 {
@@ -138,9 +138,6 @@ int main(int argc, char **argv)
         std::fprintf(stderr, "a widget was never painted\n");
         return 1;
     }
-    std::printf("information sheet : %.3f ms per build, show to first paint, close\n", sheet);
-    std::printf("plain QMessageBox : %.3f ms per build, show to first paint, close\n", box);
-    std::printf("ratio sheet / QMessageBox: %.2f (%d iterations each, scale %.1f)\n", sheet / box, iterations,
-                DPIinfo::getInstance()->getDPI());
+    bench::report(bench::atScale(QStringLiteral("information sheet: build, show to first paint, close vs QMessageBox")), sheet, box, 1.5);
     return 0;
 }

@@ -4,6 +4,7 @@
 #include "testsupport.h"
 
 #include <QApplication>
+#include <QBuffer>
 #include <QDir>
 #include <QFile>
 #include <QImage>
@@ -22,10 +23,14 @@ struct Theme {
     QTemporaryDir resources;
     QTemporaryDir userData;
 
-    void addPng(const QString &fileName, QSize size)
+    // A pattern, translucent unless @p opaque: smooth scaling has something to mix.
+    void addPng(const QString &fileName, QSize size, bool opaque = false)
     {
         QImage image(size, QImage::Format_ARGB32);
-        image.fill(QColor(40, 110, 220));
+        for (int y = 0; y < size.height(); ++y) {
+            for (int x = 0; x < size.width(); ++x)
+                image.setPixel(x, y, qRgba(x * 37 % 256, y * 53 % 256, x * y % 256, opaque ? 255 : (x + 2 * y) * 9 % 256));
+        }
         QVERIFY(image.save(resources.filePath(QStringLiteral("images/") + fileName + QStringLiteral(".png"))));
     }
     void writeManifest(const QByteArray &json) { QVERIFY(testsupport::writeFile(resources.filePath(QStringLiteral("images.json")), json)); }
@@ -123,11 +128,13 @@ void TestRegistries::scalingRule_data()
     QTest::addColumn<int>("source");
     QTest::addColumn<QList<int>>("pixels"); // registry pixmap width at scale 1.0, 1.5, 2.0
     QTest::addColumn<QList<int>>("temporary"); // temporary image width (no dpr step)
-    QTest::newRow("64") << 64 << QList<int> {16, 36, 64} << QList<int> {16, 24, 32};
-    QTest::newRow("6: a = round(1.5) = 2") << 6 << QList<int> {2, 5, 8} << QList<int> {2, 3, 4};
-    QTest::newRow("10: a = round(2.5) = 3") << 10 << QList<int> {3, 8, 12} << QList<int> {3, 5, 6};
-    QTest::newRow("14: a = round(3.5) = 4") << 14 << QList<int> {4, 9, 16} << QList<int> {4, 6, 8};
-    QTest::newRow("25") << 25 << QList<int> {6, 14, 24} << QList<int> {6, 9, 12};
+    QTest::addColumn<bool>("opaque");
+    QTest::newRow("64") << 64 << QList<int> {16, 36, 64} << QList<int> {16, 24, 32} << false;
+    QTest::newRow("64 opaque") << 64 << QList<int> {16, 36, 64} << QList<int> {16, 24, 32} << true;
+    QTest::newRow("6: a = round(1.5) = 2") << 6 << QList<int> {2, 5, 8} << QList<int> {2, 3, 4} << false;
+    QTest::newRow("10: a = round(2.5) = 3") << 10 << QList<int> {3, 8, 12} << QList<int> {3, 5, 6} << false;
+    QTest::newRow("14: a = round(3.5) = 4") << 14 << QList<int> {4, 9, 16} << QList<int> {4, 6, 8} << true;
+    QTest::newRow("25") << 25 << QList<int> {6, 14, 24} << QList<int> {6, 9, 12} << false;
 }
 
 void TestRegistries::scalingRule()
@@ -135,11 +142,12 @@ void TestRegistries::scalingRule()
     QFETCH(int, source);
     QFETCH(QList<int>, pixels);
     QFETCH(QList<int>, temporary);
+    QFETCH(bool, opaque);
     const int scaleIndex = testsupport::expectedScale() == 1.0 ? 0 : testsupport::expectedScale() == 1.5 ? 1 : 2;
 
     Theme theme;
     const QString name = QStringLiteral("scaled%1").arg(source);
-    theme.addPng(name, QSize(source, source));
+    theme.addPng(name, QSize(source, source), opaque);
     theme.writeManifest({name}, {name});
     theme.initialize(ImageManager::LoadAll);
 
@@ -148,6 +156,19 @@ void TestRegistries::scalingRule()
     QCOMPARE(pixmap.devicePixelRatio(), DPIinfo::getInstance()->getDPR());
     const QImage written(ImageManager::getInstance()->getTempImageFullPath(name));
     QCOMPARE(written.width(), temporary[scaleIndex]);
+
+    // Pixels and file bytes exactly as the plain steps give them: a QPixmap of the file, scaled smoothly.
+    const QPixmap plain(ImageManager::getInstance()->getImageFullPath(name));
+    QImage expected = plain.scaled(pixmap.size(), Qt::KeepAspectRatio, Qt::SmoothTransformation).toImage();
+    expected.setDevicePixelRatio(pixmap.devicePixelRatio());
+    QCOMPARE(pixmap.toImage(), expected);
+    QByteArray png;
+    QBuffer buffer(&png);
+    QVERIFY(buffer.open(QIODevice::WriteOnly));
+    QVERIFY(plain.scaled(written.size(), Qt::KeepAspectRatio, Qt::SmoothTransformation).save(&buffer, "PNG"));
+    QFile file(ImageManager::getInstance()->getTempImageFullPath(name));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), png);
 }
 
 void TestRegistries::lazyLoadingFallsBackToNormal()

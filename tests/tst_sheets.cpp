@@ -6,6 +6,8 @@
 #include <lumo/lumo.h>
 
 #include <QHBoxLayout>
+#include <QLabel>
+#include <QPixmapCache>
 #include <QTemporaryDir>
 #include <QVBoxLayout>
 #include <QtTest>
@@ -245,6 +247,67 @@ private Q_SLOTS:
         QCOMPARE(greyAt(inner, 145, 115), 255);
     }
 
+    void keptShadowsMatchFreshOnes_data()
+    {
+        QTest::addColumn<bool>("smooth");
+        QTest::addColumn<Shadows>("outside");
+        QTest::addColumn<Shadows>("inside");
+        QTest::addColumn<int>("border");
+        const Shadows outer {{9.0, 0, 5, "#400B1A33"}};
+        const Shadows two {{3.0, -3, 1, "#380B1A33"}, {2.6, 1, -5, "#C0102040"}};
+        const Shadows inner {{4.0, 3, -5, "#8C98A8"}, {1.5, -1, 3, "black"}};
+        QTest::newRow("mask, outer") << false << outer << Shadows() << 0;
+        QTest::newRow("smooth, outer") << true << outer << Shadows() << 0;
+        QTest::newRow("mask, both, negative border") << false << two << inner << -3;
+        QTest::newRow("smooth, both, border 2") << true << two << inner << 2;
+        QTest::newRow("mask, inner only") << false << Shadows() << inner << 1;
+    }
+
+    // Shadows are kept between paints: every paint must equal what a fresh effect paints,
+    // after the content, the lists or nothing changed.
+    void keptShadowsMatchFreshOnes()
+    {
+        QFETCH(bool, smooth);
+        QFETCH(Shadows, outside);
+        QFETCH(Shadows, inside);
+        QFETCH(int, border);
+        auto window = makeWindow(QSize(220, 140));
+        auto *widget = new QWidget(window.get()); // no background: the label's glyphs are the shape
+        widget->setGeometry(30, 30, 160, 80);
+        auto *label = new QLabel(QStringLiteral("Ab"), widget);
+        label->setGeometry(8, 8, 144, 64);
+        QFont font = label->font();
+        font.setPixelSize(40);
+        label->setFont(font);
+        widget->show();
+        auto effectWith = [&](const Shadows &out, const Shadows &in) {
+            auto *effect = new BoxShadow(border, smooth);
+            effect->setOutsideShadowList(Shadows(out));
+            effect->setInsideShadowList(Shadows(in));
+            return effect;
+        };
+        // A new effect has nothing kept; it stays on, holding what it painted.
+        auto fresh = [&](const Shadows &out, const Shadows &in) {
+            widget->setGraphicsEffect(effectWith(out, in));
+            return window->grab().toImage();
+        };
+
+        widget->setGraphicsEffect(effectWith(outside, inside));
+        const QImage first = window->grab().toImage();
+        QCOMPARE(window->grab().toImage(), first);
+        QCOMPARE(fresh(outside, inside), first);
+
+        label->setText(QStringLiteral("Wy"));
+        const QImage changed = window->grab().toImage();
+        QVERIFY(changed != first);
+        QCOMPARE(changed, fresh(outside, inside));
+
+        // A new inner list leaves the reach, and so the source's pixels, as they were.
+        qobject_cast<BoxShadow *>(widget->graphicsEffect())->setInsideShadowList(Shadows(outside));
+        const QImage newList = window->grab().toImage();
+        QCOMPARE(newList, fresh(outside, outside));
+    }
+
     void smoothInnerCutsAtHalfOffsetTowardZero()
     {
         // Offset -5 cuts at -2 (toward zero, not -3): only the two rightmost columns stay.
@@ -321,6 +384,34 @@ private Q_SLOTS:
         QVERIFY(alphaAt(m - 1) > 0 && alphaAt(m - 1) < 255);
         QVERIFY(alphaAt(sheet->width() - m) > 0 && alphaAt(sheet->width() - m) < 255);
         QVERIFY(alphaAt(m / 2) < alphaAt(m - 1)); // fading outward
+    }
+
+    void sheetBandFromCacheMatchesUncached()
+    {
+        auto window = makeWindow(QSize(500, 400));
+        auto *sheet = new LumoSheet(window.get());
+        auto render = [&] {
+            QImage image(sheet->size() * window->devicePixelRatioF(), QImage::Format_ARGB32);
+            image.setDevicePixelRatio(window->devicePixelRatioF());
+            image.fill(Qt::transparent);
+            sheet->render(&image, QPoint(), QRegion(), QWidget::RenderFlags());
+            return image;
+        };
+        const QList<QSize> sizes {{260, 180}, {331, 203}, {260, 180}};
+        QList<QImage> cached; // each size painted twice: stretching and keeping, then reusing
+        for (QSize size : sizes) {
+            sheet->resize(size);
+            cached << render() << render();
+        }
+        const int limit = QPixmapCache::cacheLimit();
+        QPixmapCache::setCacheLimit(0); // empties the cache and keeps nothing: every tile is stretched anew
+        for (qsizetype i = 0; i < sizes.size(); ++i) {
+            sheet->resize(sizes[i]);
+            const QImage uncached = render();
+            QCOMPARE(cached[2 * i], uncached);
+            QCOMPARE(cached[2 * i + 1], uncached);
+        }
+        QPixmapCache::setCacheLimit(limit);
     }
 
 private:

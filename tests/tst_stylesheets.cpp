@@ -198,6 +198,10 @@ void TestStyleSheets::scalerUsesTheScreenFactor()
     load("== component.t_scaled ==\nQLabel { font-size: 13px; }\n");
     QCOMPARE(getStyleSheet("component.t_scaled", false),
              lumo::scalePxLengths(getStyleSheet("component.t_scaled", true), testsupport::expectedScale()));
+    // The scaled text is kept per key: a new initialize() must replace it.
+    load("== component.t_scaled ==\nQLabel { font-size: 20px; }\n");
+    QCOMPARE(getStyleSheet("component.t_scaled", false),
+             QStringLiteral("\nQLabel { font-size: %1px; }\n").arg(int(20 * testsupport::expectedScale())));
 }
 
 void TestStyleSheets::scannersMatchTheirExpressions()

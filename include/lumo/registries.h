@@ -3,6 +3,7 @@
 
 #include <lumo/lumo_export.h>
 
+#include <QHash>
 #include <QMap>
 #include <QPixmap>
 #include <QString>
@@ -85,6 +86,9 @@ private:
     Q_DISABLE_COPY(StyleManager)
 
     QMap<QString, QString> styleSheets;
+    // Scaled text per key: the scale factor never changes once read, so a key's
+    // result only changes when initialize() replaces its text.
+    QHash<QString, QString> scaledSheets;
 };
 
 LUMO_EXPORT QString getStyleSheet(const char *key, bool raw);

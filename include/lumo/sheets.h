@@ -78,6 +78,11 @@ private:
     int border;
     std::vector<ShadowData> insideShadows;
     std::vector<ShadowData> outsideShadows;
+    // The last shadows and the source pixels they were built from: reused while the
+    // source paints the same pixels and the lists stay; one set per effect.
+    QPixmap composedSource;
+    QPixmap composedOuter;
+    QPixmap composedInner;
 
     Q_DISABLE_COPY(BoxShadow)
 };

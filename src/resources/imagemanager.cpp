@@ -29,6 +29,14 @@ QPixmap scaleForScreen(const QPixmap &source, bool applyDevicePixelRatio)
         result.setDevicePixelRatio(dpr);
     return result;
 }
+
+// What QPixmap(path) gives, without its detour through QPixmapCache: a file
+// lookup per load and a cache entry holding the unscaled source, neither of
+// which is ever used again, cost more than the decoding itself.
+QPixmap loadPixmap(const QString &path)
+{
+    return QPixmap::fromImage(QImage(path));
+}
 }
 
 ImageManager::ImageManager() = default;
@@ -92,7 +100,7 @@ void ImageManager::lazyLoad(const QString &name)
 void ImageManager::loadEntry(ImageFile &entry)
 {
     for (int state = Normal; state <= Disable; ++state) {
-        const QPixmap source(getImageFullPath(entry.fileNames[state]));
+        const QPixmap source = loadPixmap(getImageFullPath(entry.fileNames[state]));
         if (source.isNull()) {
             entry.fileNames[state].clear();
             continue;
@@ -109,7 +117,7 @@ void ImageManager::prepareTempImage(const QString &name)
         qCWarning(lumoLog) << "Cannot write temporary image" << name;
         return;
     }
-    const QPixmap source(getImageFullPath(name));
+    const QPixmap source = loadPixmap(getImageFullPath(name));
     if (source.isNull())
         return;
     const QPixmap scaled = scaleForScreen(source, false);

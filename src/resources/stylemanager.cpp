@@ -194,6 +194,7 @@ StyleManager *StyleManager::getInstance()
 
 void StyleManager::initialize(const std::vector<QString> &files)
 {
+    scaledSheets.clear();
     QString text;
     for (const QString &path : files) {
         QFile file(path);
@@ -249,12 +250,19 @@ void StyleManager::initialize(const std::vector<QString> &files)
 
 QString StyleManager::getStyleSheet(const QString &key, bool raw)
 {
+    if (!raw) {
+        const auto cached = scaledSheets.constFind(key);
+        if (cached != scaledSheets.constEnd())
+            return *cached;
+    }
     const auto it = styleSheets.constFind(key);
     if (it == styleSheets.constEnd()) {
         qCWarning(lumoLog) << "Cannot find stylesheet" << key;
         return QString();
     }
-    return raw ? *it : DPIinfo::getInstance()->getScaledStyleSheet(*it);
+    if (raw)
+        return *it;
+    return *scaledSheets.insert(key, DPIinfo::getInstance()->getScaledStyleSheet(*it));
 }
 
 QString getStyleSheet(const char *key, bool raw)

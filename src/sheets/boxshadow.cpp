@@ -72,6 +72,7 @@ void BoxShadow::setInsideShadowList(std::vector<ShadowData> &&shadows)
 {
     if (&shadows != &insideShadows)
         insideShadows = shadows;
+    composedSource = QPixmap();
     update();
 }
 
@@ -79,6 +80,7 @@ void BoxShadow::setOutsideShadowList(std::vector<ShadowData> &&shadows)
 {
     if (&shadows != &outsideShadows)
         outsideShadows = shadows;
+    composedSource = QPixmap();
     setMaxOffset();
 }
 
@@ -131,12 +133,20 @@ void BoxShadow::draw(QPainter *painter)
 
     const QPixmap source = paddedSource();
     if (!source.isNull()) {
-        const QPixmap outer = smooth ? smoothOutsideShadow() : outsideShadow();
-        const QPixmap inner = smooth ? smoothInsideShadow() : insideShadow();
+        // The shadows depend on nothing but the source's pixels, its pixel ratio and the
+        // lists. A widget source tells nothing when its content changes, so the pixels
+        // are compared: far cheaper than blurring them again.
+        const bool unchanged = !composedSource.isNull() && composedSource.devicePixelRatio() == source.devicePixelRatio() &&
+            composedSource.toImage() == source.toImage();
+        if (!unchanged) {
+            composedOuter = smooth ? smoothOutsideShadow() : outsideShadow();
+            composedInner = smooth ? smoothInsideShadow() : insideShadow();
+            composedSource = source;
+        }
         painter->setPen(Qt::NoPen);
-        painter->drawPixmap(world.mapRect(QRect(x0, y0, width, height)), outer);
+        painter->drawPixmap(world.mapRect(QRect(x0, y0, width, height)), composedOuter);
         painter->drawPixmap(world.mapRect(QRect(QPoint(x0, y0), logicalRect(source).size())), source);
-        painter->drawPixmap(world.mapRect(QRect(x0 + border, y0 + border, width - 2 * border, height - 2 * border)), inner);
+        painter->drawPixmap(world.mapRect(QRect(x0 + border, y0 + border, width - 2 * border, height - 2 * border)), composedInner);
     }
 
     painter->setWorldMatrixEnabled(true);

@@ -4,6 +4,7 @@
 
 #include <QHBoxLayout>
 #include <QPainter>
+#include <QPixmapCache>
 
 LumoSheet::LumoSheet(QWidget *parent)
     : QFrame(parent)
@@ -46,11 +47,18 @@ void LumoSheet::showEvent(QShowEvent *event)
 namespace
 {
 // An edge tile stretched to @p size logical pixels, keeping the tile's pixel ratio.
+// Sheets repaint at one size far more often than they resize, so the stretched
+// tile is kept in QPixmapCache under the tile's identity, the size and the ratio.
 QPixmap stretched(const QPixmap &tile, const QSize &size)
 {
     const qreal ratio = tile.devicePixelRatio();
-    QPixmap result = tile.scaled(size * ratio, Qt::IgnoreAspectRatio, Qt::FastTransformation);
+    const QString key = QStringLiteral("lumo-sheet-edge:%1:%2x%3@%4").arg(tile.cacheKey()).arg(size.width()).arg(size.height()).arg(ratio);
+    QPixmap result;
+    if (QPixmapCache::find(key, &result))
+        return result;
+    result = tile.scaled(size * ratio, Qt::IgnoreAspectRatio, Qt::FastTransformation);
     result.setDevicePixelRatio(ratio);
+    QPixmapCache::insert(key, result);
     return result;
 }
 }
