@@ -222,6 +222,7 @@ private:
 class LUMO_EXPORT LinkLabel : public ClickableLabel
 {
     Q_OBJECT
+    Q_PROPERTY(QString hyperLink READ getHyperLink WRITE setHyperLink)
 public:
     explicit LinkLabel(const QString &text = QString(), QLabel *parent = nullptr);
     ~LinkLabel() override;
