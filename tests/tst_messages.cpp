@@ -516,6 +516,50 @@ private Q_SLOTS:
                               getStyleSheet(str("component.%1_message_box").arg(parts[1]), false), parts.mid(2).join(QLatin1Char(' '))}));
     }
 
+    // Some platforms (X11 desktops) ask for icons on dialog buttons; no Lumo button shows one,
+    // and buttons a caller puts on the countdown box take the box's look.
+    void buttonsWithoutPlatformIcons()
+    {
+        class IconStyle : public QProxyStyle
+        {
+            int styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget, QStyleHintReturn *data) const override
+            {
+                return hint == SH_DialogButtonBox_ButtonsHaveIcons ? 1 : QProxyStyle::styleHint(hint, option, widget, data);
+            }
+        };
+        struct Restore {
+            const QString style = QApplication::style()->name();
+            ~Restore() { QApplication::setStyle(style); }
+        } restore;
+        QApplication::setStyle(new IconStyle);
+        auto window = makeWindow();
+        auto *input = over(window.get(), new LumoInputSheet(str("Name"), window.get()));
+        auto *sheet = confirmOver(window.get());
+        LumoCountdownMessageBox box(30, window.get());
+        LumoCountdownMessageBox replaced(30, window.get());
+        replaced.setStandardButtons(QMessageBox::Ok | QMessageBox::Cancel);
+        input->showSheet();
+        sheet->showSheet();
+        box.show();
+        replaced.show();
+        QList<QAbstractButton *> buttons =
+            input->findChildren<QAbstractButton *>() + sheet->findChildren<QAbstractButton *>() + box.buttons() + replaced.buttons();
+        QStringList withIcons;
+        QTimer::singleShot(0, this, [&] { // the message box of a call without parent
+            if (auto *fallback = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
+                buttons += fallback->buttons();
+                for (QAbstractButton *button : buttons)
+                    withIcons << (button->icon().isNull() ? QString() : button->text());
+                fallback->done(0);
+            }
+        });
+        showConfirmMsg(str("Title"), str("Text"), nullptr, true);
+        QCOMPARE(buttons.size(), 10);
+        QCOMPARE(withIcons, QStringList(10, QString()));
+        QCOMPARE(replaced.button(QMessageBox::Ok)->styleSheet(), getStyleSheet("component.apply_button", false));
+        QCOMPARE(replaced.button(QMessageBox::Cancel)->styleSheet(), getStyleSheet("component.cancel_button", false));
+    }
+
     void countdownSteps()
     {
         LumoCountdownMessageBox box(3, nullptr);
@@ -544,10 +588,12 @@ private Q_SLOTS:
         QTest::addColumn<QString>("shown"); // Ok's caption once shown
         QTest::addColumn<int>("expected");
         QTest::addColumn<int>("clicks");
-        QTest::newRow("one second") << 1 << "OK(0)" << Ok << 1;
-        QTest::newRow("zero") << 0 << "OK(0)" << Ok << 2;
-        QTest::newRow("negative") << -3 << "OK(-3)" << Ok << 2;
-        QTest::newRow("cancelled") << 30 << "OK(29)" << Discard << 1;
+        QTest::addColumn<bool>("okCancel"); // the caller replaced the buttons with setStandardButtons(Ok | Cancel)
+        QTest::newRow("one second") << 1 << "OK(0)" << Ok << 1 << false;
+        QTest::newRow("zero") << 0 << "OK(0)" << Ok << 2 << false;
+        QTest::newRow("negative") << -3 << "OK(-3)" << Ok << 2 << false;
+        QTest::newRow("cancelled") << 30 << "OK(29)" << Discard << 1 << false;
+        QTest::newRow("caller's Ok and Cancel") << 1 << "OK(0)" << Ok << 1 << true;
     }
 
     void countdownEnds()
@@ -556,17 +602,27 @@ private Q_SLOTS:
         QFETCH(QString, shown);
         QFETCH(int, expected);
         QFETCH(int, clicks);
+        QFETCH(bool, okCancel);
         LumoCountdownMessageBox box(seconds, nullptr);
         QCOMPARE(box.button(QMessageBox::Ok)->text(), str("OK(%1)").arg(seconds));
+        if (okCancel)
+            box.setStandardButtons(QMessageBox::Ok | QMessageBox::Cancel);
+        box.setText(str("The backup of your files will start automatically when the count runs out."));
         QSignalSpy clicked(&box, SIGNAL(buttonClicked(QAbstractButton *)));
         QString caption;
+        bool textFits = false;
         QTimer::singleShot(0, &box, [&] {
             caption = box.button(QMessageBox::Ok)->text();
+            const auto *label = box.findChild<QLabel *>(str("qt_msgbox_label"));
+            textFits =
+                label->wordWrap() ? label->heightForWidth(label->width()) <= label->height() : label->sizeHint().width() <= label->width();
             if (expected == Discard)
                 QTest::mouseClick(box.button(QMessageBox::Discard), Qt::LeftButton);
         });
+        QTimer::singleShot(10000, &box, [&] { box.done(Hung); }); // a box that never presses itself
         QCOMPARE(box.exec(), expected);
         QCOMPARE(caption, shown);
+        QVERIFY(textFits);
         // A count at or below 0 clicks at show, and once more at the next tick; then the timer stays stopped.
         QTRY_COMPARE(clicked.count(), clicks);
         if (expected == Ok) {

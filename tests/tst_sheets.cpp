@@ -5,6 +5,7 @@
 
 #include <lumo/lumo.h>
 
+#include <QDialogButtonBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPixmapCache>
@@ -412,6 +413,27 @@ private Q_SLOTS:
             QCOMPARE(cached[2 * i + 1], uncached);
         }
         QPixmapCache::setCacheLimit(limit);
+    }
+
+    // Polished, sized or restyled outside a mask, a sheet still keeps its band around the content.
+    void bandKeptWithoutMask()
+    {
+        const int m = int(22 * testsupport::expectedScale());
+        const QMargins band(m, m, m, m);
+        auto window = makeWindow(QSize(1200, 800));
+        auto *sheet = new LumoSheet(window.get());
+        auto *body = new QWidget;
+        body->setFixedSize(200, 120);
+        sheet->setWidget(body); // sized (and polished) before it is shown
+        sheet->show();
+        QCOMPARE(sheet->size(), body->size().grownBy(sheet->layout()->contentsMargins() + band));
+        sheet->setStyleSheet(QStringLiteral("QWidget { color: red; }"));
+        QCOMPARE(sheet->contentsMargins(), band);
+
+        auto *input = new LumoInputSheet(QStringLiteral("Name"), window.get());
+        input->showSheet();
+        const QRect interior = input->rect().marginsRemoved(band);
+        QVERIFY(interior.contains(input->findChild<QDialogButtonBox *>(QStringLiteral("inputSheetButtonBox"))->geometry()));
     }
 
 private:

@@ -187,6 +187,8 @@ private Q_SLOTS:
     void invalidDates_data();
     void invalidDates();
     void clearDate();
+    void calendarInALayout();
+    void datesOutOfRange();
 
     void distribution_data();
     void distribution();
@@ -202,6 +204,7 @@ private Q_SLOTS:
     void delegatePainting();
     void focusIn_data();
     void focusIn();
+    void treeBands();
 
 private:
     QTemporaryDir userData;
@@ -689,6 +692,62 @@ void TestViews::clearDate()
     QCOMPARE(calendar->selectedDate(), QDate(2015, 6, 7));
 }
 
+void TestViews::calendarInALayout()
+{
+    QWidget window;
+    auto *layout = new QVBoxLayout(&window);
+    auto *view = new LumoCalanderView;
+    view->setStyleSheet(getStyleSheet("component.date_selector", false));
+    view->setCurrentPage(2024, 5);
+    layout->addWidget(new QLabel(QStringLiteral("Above")));
+    layout->addWidget(view);
+    layout->addWidget(new QPushButton(QStringLiteral("Below")));
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    // All six weeks show without scrolling, and a click picks the day under the pointer.
+    QTableView *grid = gridOf(view);
+    QCOMPARE(grid->verticalScrollBar()->maximum(), 0);
+    QSignalSpy spy(view, SIGNAL(sigDateSelect(QDate)));
+    QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, grid->visualRect(cellOfDay(grid, 15)).center());
+    QCOMPARE(spy.count(), 1);
+    QCOMPARE(spy.at(0).at(0).toDate(), QDate(2024, 5, 15));
+}
+
+void TestViews::datesOutOfRange()
+{
+    LumoDateSelector selector;
+    QVERIFY(showAt(selector, 200, 32));
+    LumoCalanderView *view = selector.getCalendarView();
+    view->setCurrentPage(2024, 5);
+    view->setMinimumDate(QDate(2024, 5, 6));
+    view->setMaximumDate(QDate(2024, 5, 20));
+    selector.showPopup();
+    QTRY_VERIFY(view->isVisible());
+    QTableView *grid = gridOf(view);
+    const QImage image = grid->viewport()->grab().toImage();
+    auto darkest = [&](int day) {
+        const QRect cell = grid->visualRect(cellOfDay(grid, day));
+        const qreal ratio = image.devicePixelRatio();
+        int grey = 255;
+        for (int y = int(cell.top() * ratio); y < int(cell.bottom() * ratio); ++y) {
+            for (int x = int(cell.left() * ratio); x < int(cell.right() * ratio); ++x)
+                grey = std::min(grey, qGray(image.pixel(x, y)));
+        }
+        return grey;
+    };
+    // 4 and 22 May are out of range: greyed like the days of other months, and a click does nothing.
+    QVERIFY(darkest(15) < 100);
+    QSignalSpy spy(view, SIGNAL(sigDateSelect(QDate)));
+    for (int day : {4, 22}) {
+        QVERIFY2(darkest(day) > 150, qPrintable(QString::number(darkest(day))));
+        QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, grid->visualRect(cellOfDay(grid, day)).center());
+        QVERIFY(view->isVisible());
+    }
+    QCOMPARE(spy.count(), 0);
+    QCOMPARE(selector.currentData().toDate(), QDate());
+    selector.hidePopup();
+}
+
 // ---------------------------------------------------------------------------
 // Table widget
 
@@ -926,6 +985,43 @@ void TestViews::focusIn()
     QCOMPARE(tree->currentItem(), tree->topLevelItem(expected));
     QTEST(int(spy.count()), "announcements");
     QCOMPARE(spy.first().at(0).value<QTreeWidgetItem *>(), spy.count() == 1 ? tree->topLevelItem(expected) : nullptr);
+}
+
+void TestViews::treeBands()
+{
+    LumoTreeWidget tree;
+    tree.setBackgroundColor(QColor(0, 0, 255), QColor(0, 200, 0));
+    tree.setHeaderHidden(true); // the band follows the pointer in the tree's coordinates, not the viewport's
+    for (int i = 0; i < 5; ++i) {
+        auto *item = new QTreeWidgetItem(QStringList {QStringLiteral("Folder %1").arg(i)});
+        item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
+        tree.addTopLevelItem(item);
+    }
+    tree.setCurrentItem(tree.topLevelItem(1));
+    QVERIFY(showAt(tree, 300, 200));
+    auto rowCentre = [&](int row) { return tree.visualItemRect(tree.topLevelItem(row)).center(); };
+    // What the screen shows, the window's last painted pixels (the offscreen screen tints them
+    // evenly), rather than a fresh rendering.
+    auto shown = [&](int row) {
+        const QPixmap screen = tree.screen()->grabWindow(tree.winId());
+        const QPoint at = tree.viewport()->mapTo(&tree, QPoint(tree.viewport()->width() - scaled(20), rowCentre(row).y()));
+        const QColor c = screen.toImage().pixelColor(at * screen.devicePixelRatio());
+        if (c.red() == c.green() && c.green() == c.blue())
+            return QStringLiteral("no band");
+        if (c.red() == 0 && c.green() == 0)
+            return QStringLiteral("selected band");
+        return c.red() == 0 && c.blue() == 0 ? QStringLiteral("hover band") : c.name();
+    };
+    QTRY_COMPARE(shown(1), QStringLiteral("selected band")); // not the style's highlight
+    // The pointer as the window system moves it: its position, and the move itself.
+    auto pointTo = [&](QPoint inTree) {
+        QCursor::setPos(tree.mapToGlobal(inTree));
+        QTest::mouseMove(tree.windowHandle(), inTree);
+    };
+    pointTo(tree.viewport()->mapTo(&tree, rowCentre(3)));
+    QTRY_COMPARE(shown(3), QStringLiteral("hover band"));
+    pointTo(QPoint(tree.width() + 100, tree.height() + 100));
+    QTRY_COMPARE(shown(3), QStringLiteral("no band"));
 }
 
 QTEST_MAIN(TestViews)

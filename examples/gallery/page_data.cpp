@@ -130,16 +130,8 @@ QWidget *tree()
     tree->setHeaderHidden(true);
     tree->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
     tree->setBackgroundColor(QColor(QStringLiteral("#DCE7FD")), QColor(QStringLiteral("#F1F5FB")));
-    tree->setMouseTracking(true);
-    // The bands are the tree's own painting: the style draws no selection or hover fill.
-    tree->setStyleSheet(QStringLiteral("QTreeWidget { background: #FFFFFF; border: 1px solid #E3E8EE; border-radius: 6px; font-size: %1px;"
-                                       " outline: 0px; padding: %2px; selection-background-color: transparent; selection-color: #1F55C2;"
-                                       " show-decoration-selected: 0; }"
-                                       "QTreeWidget::item { color: #1F2933; background: transparent; border: none; }"
-                                       "QTreeWidget::item:disabled { color: #8A97A8; }"
-                                       "QTreeWidget::item:selected { color: #1F55C2; background: transparent; }")
-                            .arg(gallery::px(13))
-                            .arg(gallery::px(4)));
+    // The tree takes no look of its own: the theme offers one for it.
+    tree->setStyleSheet(getStyleSheet("component.tree", false) + getStyleSheet("component.scrollbar", false));
     const QIcon folder(getGlobalImage("folder", ImageManager::Normal));
 
     auto add = [&](QTreeWidgetItem *parent, const QString &name, bool checkable, Qt::CheckState state) {

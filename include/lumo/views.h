@@ -162,6 +162,10 @@ public:
     /** Consumes Tab and Backtab on the watched children, moving focus within the view. */
     bool eventFilter(QObject *watched, QEvent *event) override;
 
+    /** The size of the calendar with its weekday row and today button, unlike an item view's fixed default. */
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
     QRect visualRect(const QModelIndex &index) const override;
     void scrollTo(const QModelIndex &index, ScrollHint hint = EnsureVisible) override;
     QModelIndex indexAt(const QPoint &point) const override;

@@ -1,6 +1,7 @@
 #include <lumo/sheets.h>
 
 #include "resources/registries_p.h"
+#include "sheets/sheets_p.h"
 
 #include <QPushButton>
 
@@ -33,8 +34,12 @@ void LumoCountdownMessageBox::step()
     remainingSeconds = r - 1;
     if (r < 1) {
         timer.stop();
-        if (QPushButton *ok = defaultButton())
-            ok->animateClick();
+        // setStandardButtons() replaces the buttons and leaves no default: Ok is then the one meant.
+        QPushButton *target = defaultButton();
+        if (!target)
+            target = qobject_cast<QPushButton *>(button(QMessageBox::Ok));
+        if (target)
+            target->animateClick();
     } else {
         updateButtonText();
     }
@@ -47,6 +52,15 @@ void LumoCountdownMessageBox::slotTick()
 
 void LumoCountdownMessageBox::showEvent(QShowEvent *event)
 {
+    // Here rather than at construction: the caller may have replaced the buttons since,
+    // and the new ones get the look of the box's own.
+    const QList<QAbstractButton *> current = buttons();
+    lumo::clearButtonIcons(current);
+    for (QAbstractButton *button : current) {
+        if (button->styleSheet().isEmpty())
+            button->setStyleSheet(
+                lumo::style(standardButton(button) == QMessageBox::Ok ? "component.apply_button" : "component.cancel_button"));
+    }
     QMessageBox::showEvent(event);
     step();
     // Deliberately restarted even when the step has just stopped it: a count of 0

@@ -25,6 +25,7 @@ LumoInputSheetPrivate::LumoInputSheetPrivate(LumoInputSheet *q)
 void LumoInputSheetPrivate::initialize()
 {
     buttonBox->setStandardButtons(QDialogButtonBox::Ok | QDialogButtonBox::Discard);
+    lumo::clearButtonIcons(buttonBox->buttons());
     QPushButton *ok = buttonBox->button(QDialogButtonBox::Ok);
     ok->setText(lumo::caption("ok"));
     ok->setDefault(true);

@@ -24,6 +24,7 @@ QAbstractButton *styledButton(QMessageBox &box, QMessageBox::StandardButton whic
     QAbstractButton *button = box.addButton(which);
     button->setText(text);
     button->setStyleSheet(lumo::style(styleKey));
+    lumo::clearButtonIcons({button});
     return button;
 }
 

@@ -134,10 +134,7 @@ void LumoMessageSheetPrivate::initialize(const MsgBoxCustomBtnText &texts)
     QPushButton *apply = buttonBox->button(QDialogButtonBox::Apply);
     QPushButton *discard = buttonBox->button(QDialogButtonBox::Discard);
     QPushButton *reset = buttonBox->button(QDialogButtonBox::Reset);
-    for (QPushButton *button : {ok, apply, discard, reset}) {
-        if (button)
-            button->setIcon(QIcon());
-    }
+    lumo::clearButtonIcons(buttonBox->buttons());
 
     QString okText = texts.okText;
     if (okText.isEmpty())

@@ -2,15 +2,47 @@
 
 #include "resources/registries_p.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QPainter>
 #include <QPixmapCache>
+
+namespace
+{
+// QFrame puts its contents margins back to its frame width whenever it is polished,
+// re-parented or restyled, which may well happen before the sheet is shown and sized:
+// the shadow band is restored the moment they change.
+class ShadowBandKeeper : public QObject
+{
+public:
+    ShadowBandKeeper(QWidget *sheet, int margin)
+        : QObject(sheet)
+        , band(margin, margin, margin, margin)
+    {
+        sheet->installEventFilter(this);
+    }
+
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::ContentsRectChange) {
+            auto *sheet = static_cast<QWidget *>(watched);
+            if (sheet->contentsMargins() != band)
+                sheet->setContentsMargins(band);
+        }
+        return false;
+    }
+
+private:
+    const QMargins band;
+};
+}
 
 LumoSheet::LumoSheet(QWidget *parent)
     : QFrame(parent)
     , shadowMargin(lumo::scaled(22))
 {
     setContentsMargins(shadowMargin, shadowMargin, shadowMargin, shadowMargin);
+    new ShadowBandKeeper(this, shadowMargin);
     // Keeps the size of its content inside a mask's layout instead of filling the window.
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }

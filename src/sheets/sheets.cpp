@@ -13,6 +13,12 @@ QColor standardMaskColor()
     return QColor(0, 0, 0, 20);
 }
 
+void clearButtonIcons(const QList<QAbstractButton *> &buttons)
+{
+    for (QAbstractButton *button : buttons)
+        button->setIcon(QIcon());
+}
+
 void fitSheet(LumoSheet *sheet, int width)
 {
     sheet->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Maximum);

@@ -10,6 +10,7 @@
 
 #include <functional>
 
+class QAbstractButton;
 class QEvent;
 class QEventLoop;
 
@@ -17,6 +18,8 @@ namespace lumo
 {
 /** The veil every sheet of the library lays over its window: black at alpha 20. */
 QColor standardMaskColor();
+/** Takes off the standard icons that some platforms (X11 desktops) put on dialog buttons. */
+void clearButtonIcons(const QList<QAbstractButton *> &buttons);
 /** Fixes the sheet's width to @p width design pixels and lets its height follow the laid-out content. */
 void fitSheet(LumoSheet *sheet, int width);
 

@@ -11,6 +11,7 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QMenu>
+#include <QPainter>
 #include <QSpinBox>
 #include <QTableView>
 #include <QTextCharFormat>
@@ -27,6 +28,7 @@ const char *const yearEditName = "qt_calendar_yearedit";
 const char *const navigationBarName = "qt_calendar_navigationbar";
 const char *const dateGridName = "qt_calendar_calendarview";
 const char *const todayButtonName = "qt_calendar_today_button";
+const char *const weekdayHeaderName = "qt_calendar_weekdayview";
 
 // QCalendarWidget's children are found by Qt's object names; a Qt whose calendar
 // names them otherwise loses only the restyling of that child.
@@ -37,6 +39,49 @@ template<typename T> T *child(const QObject *parent, const char *name)
         qCWarning(lumoLog) << "Cannot find calendar child" << QLatin1String(name);
     return found;
 }
+
+// The wrapped calendar, with two corrections to Qt's own.
+class RangeCalendar : public QCalendarWidget
+{
+public:
+    explicit RangeCalendar(QWidget *parent)
+        : QCalendarWidget(parent)
+    {
+        // A press on a date out of range is ignored by the grid; passed on, it would reach
+        // (and close) a combo box popup holding the view.
+        setAttribute(Qt::WA_NoMousePropagation);
+    }
+
+    QSize minimumSizeHint() const override
+    {
+        // Qt counts its navigation bar and the grid, not the weekday row put between them.
+        QSize hint = QCalendarWidget::minimumSizeHint();
+        const auto *weekdays = findChild<QWidget *>(QLatin1String(weekdayHeaderName));
+        if (weekdays && layout() && layout()->indexOf(weekdays) >= 0)
+            hint.rheight() += weekdays->minimumHeight() + qMax(0, layout()->spacing());
+        return hint;
+    }
+
+protected:
+    void paintCell(QPainter *painter, const QRect &rect, QDate date) const override
+    {
+        if (date >= minimumDate() && date <= maximumDate()) {
+            QCalendarWidget::paintCell(painter, rect, date);
+            return;
+        }
+        // Qt marks these by their background alone, which a style sheet's background hides:
+        // drawn in the disabled text colour, as the days of other months are.
+        const auto *grid = findChild<QWidget *>(QLatin1String(dateGridName));
+        const QPalette palette = grid ? grid->palette() : this->palette();
+        painter->save();
+        painter->fillRect(rect, palette.brush(QPalette::Window));
+        painter->setPen(palette.color(QPalette::Disabled, QPalette::Text));
+        if (grid)
+            painter->setFont(grid->font());
+        painter->drawText(rect, Qt::AlignCenter, QString::number(date.day(calendar())));
+        painter->restore();
+    }
+};
 }
 
 LumoCalanderView::LumoCalanderView(QWidget *parent)
@@ -45,7 +90,7 @@ LumoCalanderView::LumoCalanderView(QWidget *parent)
     auto *layout = new QVBoxLayout(this);
     auto *todayButton = new LumoButton(lumo::caption("today"), LumoButton::Cancel);
     todayButton->setFixedHeight(lumo::scaled(24));
-    calendar = new QCalendarWidget(this);
+    calendar = new RangeCalendar(this);
     calendar->setFirstDayOfWeek(Qt::Sunday);
     todayButton->setObjectName(QLatin1String(todayButtonName));
     layout->addWidget(calendar, 0);
@@ -142,7 +187,7 @@ void LumoCalanderView::handleWeekdayHeader()
 
     weekdayHeader = new QTableWidget(0, 7);
     weekdayHeader->setFocusPolicy(Qt::NoFocus);
-    weekdayHeader->setObjectName(QStringLiteral("qt_calendar_weekdayview"));
+    weekdayHeader->setObjectName(QLatin1String(weekdayHeaderName));
     weekdayHeader->horizontalHeader()->setStyleSheet(lumo::style("component.table_header"));
     weekdayHeader->setStyleSheet(lumo::style("component.table"));
     weekdayHeader->setFixedHeight(lumo::scaled(30));
@@ -228,6 +273,17 @@ bool LumoCalanderView::focusNextPrevChild(bool next)
         return true;
     }
     return QAbstractItemView::focusNextPrevChild(next);
+}
+
+// An item view's own hints are a fixed default; the view needs what its layout needs.
+QSize LumoCalanderView::sizeHint() const
+{
+    return layout()->totalSizeHint();
+}
+
+QSize LumoCalanderView::minimumSizeHint() const
+{
+    return layout()->totalMinimumSize();
 }
 
 void LumoCalanderView::setCurrentPage(int year, int month)

@@ -9,6 +9,8 @@
 LumoTreeWidget::LumoTreeWidget(QWidget *parent)
     : QTreeWidget(parent)
 {
+    // The hover band follows the pointer: without hover events nothing repaints the row it leaves.
+    viewport()->setAttribute(Qt::WA_Hover);
 }
 
 LumoTreeWidget::~LumoTreeWidget() = default;
@@ -40,6 +42,13 @@ void LumoTreeWidget::drawRow(QPainter *painter, const QStyleOptionViewItem &opti
         painter->restore();
     }
     QStyleOptionViewItem rowOption = option;
+    if (band && selected && selectedColor.isValid()) {
+        // The band marks the selection; the style's full-width highlight would paint over it.
+        for (QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
+            rowOption.palette.setBrush(group, QPalette::Highlight, Qt::transparent);
+            rowOption.palette.setBrush(group, QPalette::HighlightedText, rowOption.palette.brush(group, QPalette::Text));
+        }
+    }
     // Rows that cannot be checked draw disabled on purpose: only checkable folders are choices.
     if (item && !(item->flags() & Qt::ItemIsUserCheckable))
         rowOption.state &= ~QStyle::State_Enabled;
