@@ -62,6 +62,8 @@ private Q_SLOTS:
     void scaling_data();
     void scaling();
     void scalerUsesTheScreenFactor();
+    void comments_data();
+    void comments();
     void scannersMatchTheirExpressions();
     void hostileTextStaysLinear();
 
@@ -200,6 +202,36 @@ void TestStyleSheets::scalerUsesTheScreenFactor()
              lumo::scalePxLengths(getStyleSheet("component.t_scaled", true), testsupport::expectedScale()));
 }
 
+void TestStyleSheets::comments_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("stripped");
+    auto row = [](const char *name, const char *text, const char *stripped) {
+        QTest::newRow(name) << QString::fromUtf8(text) << QString::fromUtf8(stripped);
+    };
+    row("unclosed", "a /* b\nc", "a /* b\nc");
+    row("at line end", "a /* b */\nc", "a \nc");
+    row("nested openers", "a /* /* b */ c */ d", "a  c */ d");
+    row("closer alone", "a */ b /* c */", "a */ b ");
+    row("opener shares its star", "/*/ a */", "");
+    row("empty comments", "/**//**/a/**/", "a");
+    row("unclosed then closed line", "/* a\n/* b */c", "/* a\nc");
+    row("spans lines", "a /* b\nc */ d", "a /* b\nc */ d");
+    row("carriage return inside", "a /* b\r */ c", "a  c");
+    row("line comment inside", "a /* // */ b\nc", "a  b\nc");
+    row("block inside line comment", "a // /* x */\nb", "a b");
+    row("line comment at the end", "a // b", "a // b");
+}
+
+// Every row is also checked against the expressions the scanners stand for.
+void TestStyleSheets::comments()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, stripped);
+    QCOMPARE(lumo::removeLineComments(lumo::removeBlockComments(text)), stripped);
+    QCOMPARE(referenceComments(text), stripped);
+}
+
 void TestStyleSheets::scannersMatchTheirExpressions()
 {
     QRandomGenerator random(20261121);
@@ -215,6 +247,7 @@ void TestStyleSheets::scannersMatchTheirExpressions()
 // Inputs on which the expressions themselves backtrack or rescan quadratically.
 void TestStyleSheets::hostileTextStaysLinear()
 {
+    QCOMPARE(lumo::removeBlockComments(QString(QStringLiteral("/**/")).repeated(1 << 21) + QStringLiteral("a")), QStringLiteral("a"));
     const QString openers = QString(QStringLiteral("/*a")).repeated(1 << 20);
     QCOMPARE(lumo::removeBlockComments(openers), openers);
     const QString lineOpeners = QString(QStringLiteral("/*\n")).repeated(1 << 19) + QStringLiteral("*/");

@@ -109,14 +109,19 @@ QString removeBlockComments(const QString &text)
     const qsizetype n = text.size();
     qsizetype copyFrom = 0;
     qsizetype i = 0;
+    // The end of the line holding i, found once per line: looking it up again at
+    // every opener made a line of many short comments quadratic.
+    qsizetype lineEnd = -1;
     while (i + 1 < n) {
         if (text[i] != u'/' || text[i + 1] != u'*') {
             ++i;
             continue;
         }
-        qsizetype lineEnd = text.indexOf(QLatin1Char('\n'), i + 2);
-        if (lineEnd < 0)
-            lineEnd = n;
+        if (lineEnd < i) {
+            lineEnd = text.indexOf(QLatin1Char('\n'), i + 2);
+            if (lineEnd < 0)
+                lineEnd = n;
+        }
         const qsizetype close = QStringView(text).mid(i + 2, lineEnd - i - 2).indexOf(u"*/");
         if (close < 0) {
             // No later opener on this line can close either.
