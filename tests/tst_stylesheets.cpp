@@ -238,6 +238,9 @@ void TestStyleSheets::scannersMatchTheirExpressions()
     for (int i = 0; i < 4000; ++i) {
         const QString comments = randomText(random, QStringLiteral("//**/ a\n\r*"), 40);
         QCOMPARE(lumo::removeLineComments(lumo::removeBlockComments(comments)), referenceComments(comments));
+        const QString places = randomText(random, QStringLiteral("TMPIMG_LOC"), 40);
+        const QString value = randomText(random, QStringLiteral("IMG_LOC/"), 12);
+        QCOMPARE(lumo::replacePlaceholder(places, u"IMG_LOC", value), QString(places).replace(QStringLiteral("IMG_LOC"), value));
         const QString lengths = randomText(random, QStringLiteral("0123456789..pxpx ;a"), 40);
         const double factor = random.bounded(4.0);
         QCOMPARE(lumo::scalePxLengths(lengths, factor), referenceScale(lengths, factor));

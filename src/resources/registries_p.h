@@ -39,6 +39,7 @@ bool replaceFile(const QString &path, const QByteArray &data);
 // the regular expressions they stand for.
 LUMO_EXPORT QString removeBlockComments(const QString &text);
 LUMO_EXPORT QString removeLineComments(const QString &text);
+LUMO_EXPORT QString replacePlaceholder(const QString &text, QStringView placeholder, const QString &value);
 LUMO_EXPORT QString scalePxLengths(const QString &sheet, double factor);
 }
 
