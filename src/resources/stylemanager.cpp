@@ -140,8 +140,11 @@ QString removeBlockComments(const QString &text)
 // the rest of the text once per thousand matches, quadratic on a file of them.
 QString replacePlaceholder(const QString &text, QStringView placeholder, const QString &value)
 {
+    qsizetype matches = 0;
+    for (qsizetype at = text.indexOf(placeholder); at >= 0; at = text.indexOf(placeholder, at + placeholder.size()))
+        ++matches;
     QString out;
-    out.reserve(text.size());
+    out.reserve(text.size() + matches * (value.size() - placeholder.size()));
     qsizetype copyFrom = 0;
     for (qsizetype at = text.indexOf(placeholder); at >= 0; at = text.indexOf(placeholder, copyFrom)) {
         out += QStringView(text).mid(copyFrom, at - copyFrom);
