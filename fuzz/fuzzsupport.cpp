@@ -32,6 +32,8 @@ void setUp()
     });
     folder = new QTemporaryDir(QDir::tempPath() + QStringLiteral("/lumo-fuzz-XXXXXX"));
     check(folder->isValid(), "no temporary folder");
+    // The application is never torn down (libFuzzer ends with exit()), so neither is the folder's owner.
+    std::atexit([] { folder->remove(); });
     // Deep below the root, so that an escape of a few levels from a cache folder still lands where it is seen.
     const QString temporary = root() + QStringLiteral("/a/b/c/tmp");
     QDir().mkpath(temporary);
