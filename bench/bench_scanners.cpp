@@ -63,7 +63,8 @@ void loadManifest(const QByteArray &data)
 
 void sendFrame(const QByteArray &payload)
 {
-    static QtLocalPeer primary(nullptr, QStringLiteral("lumo-bench-scanners"));
+    // Never destroyed: a static peer would outlive the application.
+    static QtLocalPeer &primary = *new QtLocalPeer(nullptr, QStringLiteral("lumo-bench-scanners"));
     static QString received;
     static bool primaryReady = !primary.isClient();
     if (!primaryReady)
@@ -109,19 +110,27 @@ struct Job {
     std::function<void(const Input &)> peer = nullptr;
 };
 
-// The fastest of a few runs: the machine is shared, and noise only ever adds time.
-double millisPerMiB(const Job &job, const std::function<void(const Input &)> &run, qsizetype bytes)
+// Per size, the fastest of a few rounds: the machine is shared, and noise only
+// ever adds time. The sizes take turns, so that a busy spell hits them all alike.
+std::vector<double> millisPerMiB(const Job &job, const std::function<void(const Input &)> &run)
 {
-    Input data {job.input(bytes), QString()};
-    data.text = QString::fromLatin1(data.bytes);
-    double best = 1e300;
-    for (int round = 0; round < 3; ++round) {
-        QElapsedTimer timer;
-        timer.start();
-        run(data);
-        best = qMin(best, timer.nsecsElapsed() / 1e6);
+    std::vector<Input> inputs;
+    for (qsizetype bytes : job.sizes) {
+        inputs.push_back({job.input(bytes), QString()});
+        inputs.back().text = QString::fromLatin1(inputs.back().bytes);
     }
-    return best / (double(data.bytes.size()) / MiB);
+    std::vector<double> best(inputs.size(), 1e300);
+    for (int round = 0; round < 5; ++round) {
+        for (size_t i = 0; i < inputs.size(); ++i) {
+            QElapsedTimer timer;
+            timer.start();
+            run(inputs[i]);
+            best[i] = qMin(best[i], timer.nsecsElapsed() / 1e6);
+        }
+    }
+    for (size_t i = 0; i < inputs.size(); ++i)
+        best[i] /= double(inputs[i].bytes.size()) / MiB;
+    return best;
 }
 
 void loadStyleInput(const Input &in)
@@ -206,9 +215,7 @@ int main(int argc, char **argv)
         if (!only.isEmpty() && !only.contains(QLatin1String(job.name)))
             continue;
         const auto measure = [&job](const std::function<void(const Input &)> &run, const char *label) {
-            std::vector<double> perMiB;
-            for (qsizetype bytes : job.sizes)
-                perMiB.push_back(millisPerMiB(job, run, bytes));
+            const std::vector<double> perMiB = millisPerMiB(job, run);
             std::printf("%-26s %-5s", job.name, label);
             for (size_t i = 0; i < perMiB.size(); ++i)
                 std::printf("  %7.2f ms/MiB at %5.2f MiB", perMiB[i], double(job.sizes[i]) / MiB);
