@@ -62,6 +62,8 @@ private Q_SLOTS:
     void scaling_data();
     void scaling();
     void scalerUsesTheScreenFactor();
+    void comments_data();
+    void comments();
     void scannersMatchTheirExpressions();
     void hostileTextStaysLinear();
 
@@ -204,12 +206,45 @@ void TestStyleSheets::scalerUsesTheScreenFactor()
              QStringLiteral("\nQLabel { font-size: %1px; }\n").arg(int(20 * testsupport::expectedScale())));
 }
 
+void TestStyleSheets::comments_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("stripped");
+    auto row = [](const char *name, const char *text, const char *stripped) {
+        QTest::newRow(name) << QString::fromUtf8(text) << QString::fromUtf8(stripped);
+    };
+    row("unclosed", "a /* b\nc", "a /* b\nc");
+    row("at line end", "a /* b */\nc", "a \nc");
+    row("nested openers", "a /* /* b */ c */ d", "a  c */ d");
+    row("closer alone", "a */ b /* c */", "a */ b ");
+    row("opener shares its star", "/*/ a */", "");
+    row("empty comments", "/**//**/a/**/", "a");
+    row("unclosed then closed line", "/* a\n/* b */c", "/* a\nc");
+    row("spans lines", "a /* b\nc */ d", "a /* b\nc */ d");
+    row("carriage return inside", "a /* b\r */ c", "a  c");
+    row("line comment inside", "a /* // */ b\nc", "a  b\nc");
+    row("block inside line comment", "a // /* x */\nb", "a b");
+    row("line comment at the end", "a // b", "a // b");
+}
+
+// Every row is also checked against the expressions the scanners stand for.
+void TestStyleSheets::comments()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, stripped);
+    QCOMPARE(lumo::removeLineComments(lumo::removeBlockComments(text)), stripped);
+    QCOMPARE(referenceComments(text), stripped);
+}
+
 void TestStyleSheets::scannersMatchTheirExpressions()
 {
     QRandomGenerator random(20261121);
     for (int i = 0; i < 4000; ++i) {
         const QString comments = randomText(random, QStringLiteral("//**/ a\n\r*"), 40);
         QCOMPARE(lumo::removeLineComments(lumo::removeBlockComments(comments)), referenceComments(comments));
+        const QString places = randomText(random, QStringLiteral("TMPIMG_LOC"), 40);
+        const QString value = randomText(random, QStringLiteral("IMG_LOC/"), 12);
+        QCOMPARE(lumo::replacePlaceholder(places, u"IMG_LOC", value), QString(places).replace(QStringLiteral("IMG_LOC"), value));
         const QString lengths = randomText(random, QStringLiteral("0123456789..pxpx ;a"), 40);
         const double factor = random.bounded(4.0);
         QCOMPARE(lumo::scalePxLengths(lengths, factor), referenceScale(lengths, factor));
@@ -219,6 +254,7 @@ void TestStyleSheets::scannersMatchTheirExpressions()
 // Inputs on which the expressions themselves backtrack or rescan quadratically.
 void TestStyleSheets::hostileTextStaysLinear()
 {
+    QCOMPARE(lumo::removeBlockComments(QString(QStringLiteral("/**/")).repeated(1 << 21) + QStringLiteral("a")), QStringLiteral("a"));
     const QString openers = QString(QStringLiteral("/*a")).repeated(1 << 20);
     QCOMPARE(lumo::removeBlockComments(openers), openers);
     const QString lineOpeners = QString(QStringLiteral("/*\n")).repeated(1 << 19) + QStringLiteral("*/");

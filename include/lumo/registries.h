@@ -12,6 +12,11 @@
 #include <map>
 #include <vector>
 
+namespace lumo
+{
+struct RegistryReset; // the library's internal path back to empty registries
+}
+
 /**
  * Process-wide registry of the library's bitmap images.
  *
@@ -21,6 +26,8 @@
  */
 class LUMO_EXPORT ImageManager
 {
+    friend struct lumo::RegistryReset;
+
 public:
     // Fixed underlying types: callers may pass any 32-bit value (other values load nothing).
     enum ImageType : int { Normal = 0, Hover = 1, Click = 2, Disable = 3 };
@@ -72,6 +79,8 @@ LUMO_EXPORT QPixmap getGlobalImage(const QString &name, ImageManager::ImageType 
  */
 class LUMO_EXPORT StyleManager
 {
+    friend struct lumo::RegistryReset;
+
 public:
     static StyleManager *getInstance();
 
@@ -120,6 +129,8 @@ private:
 /** The translated captions of the library's own words; a missing key yields the key itself. */
 class LUMO_EXPORT ComponentStrings
 {
+    friend struct lumo::RegistryReset;
+
 public:
     static ComponentStrings *getInstance();
 

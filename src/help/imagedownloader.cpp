@@ -56,7 +56,8 @@ void ImageDownloader::slotFinishDownload(QNetworkReply *reply)
     reply->deleteLater();
     if (finished)
         return;
-    body += reply->read(lumo::help::maximumBodySize + 1 - body.size());
+    // Only what is there: QIODevice::read sets aside the whole requested size first.
+    body += reply->read(qMin(reply->bytesAvailable(), lumo::help::maximumBodySize + 1 - body.size()));
     const bool ok = reply->error() == QNetworkReply::NoError && body.size() <= lumo::help::maximumBodySize;
     // A file that cannot be written is not a network error: the picture just stays missing.
     if (ok)

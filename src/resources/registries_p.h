@@ -35,10 +35,17 @@ QString caption(const char *key);
  */
 bool replaceFile(const QString &path, const QByteArray &data);
 
+/**
+ * Empties the image, style and caption registries as a fresh process has them;
+ * the folders stay. For harnesses that feed one process many inputs.
+ */
+LUMO_EXPORT void resetRegistries();
+
 // The style text transformations, exported for the tests that compare them with
 // the regular expressions they stand for.
 LUMO_EXPORT QString removeBlockComments(const QString &text);
 LUMO_EXPORT QString removeLineComments(const QString &text);
+LUMO_EXPORT QString replacePlaceholder(const QString &text, QStringView placeholder, const QString &value);
 LUMO_EXPORT QString scalePxLengths(const QString &sheet, double factor);
 }
 

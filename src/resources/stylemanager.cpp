@@ -109,14 +109,19 @@ QString removeBlockComments(const QString &text)
     const qsizetype n = text.size();
     qsizetype copyFrom = 0;
     qsizetype i = 0;
+    // The end of the line holding i, found once per line: looking it up again at
+    // every opener made a line of many short comments quadratic.
+    qsizetype lineEnd = -1;
     while (i + 1 < n) {
         if (text[i] != u'/' || text[i + 1] != u'*') {
             ++i;
             continue;
         }
-        qsizetype lineEnd = text.indexOf(QLatin1Char('\n'), i + 2);
-        if (lineEnd < 0)
-            lineEnd = n;
+        if (lineEnd < i) {
+            lineEnd = text.indexOf(QLatin1Char('\n'), i + 2);
+            if (lineEnd < 0)
+                lineEnd = n;
+        }
         const qsizetype close = QStringView(text).mid(i + 2, lineEnd - i - 2).indexOf(u"*/");
         if (close < 0) {
             // No later opener on this line can close either.
@@ -126,6 +131,25 @@ QString removeBlockComments(const QString &text)
         out += QStringView(text).mid(copyFrom, i - copyFrom);
         i = i + 2 + close + 2;
         copyFrom = i;
+    }
+    out += QStringView(text).mid(copyFrom);
+    return out;
+}
+
+// What QString::replace gives, built in one pass: Qt's own replacement moves
+// the rest of the text once per thousand matches, quadratic on a file of them.
+QString replacePlaceholder(const QString &text, QStringView placeholder, const QString &value)
+{
+    qsizetype matches = 0;
+    for (qsizetype at = text.indexOf(placeholder); at >= 0; at = text.indexOf(placeholder, at + placeholder.size()))
+        ++matches;
+    QString out;
+    out.reserve(text.size() + matches * (value.size() - placeholder.size()));
+    qsizetype copyFrom = 0;
+    for (qsizetype at = text.indexOf(placeholder); at >= 0; at = text.indexOf(placeholder, copyFrom)) {
+        out += QStringView(text).mid(copyFrom, at - copyFrom);
+        out += value;
+        copyFrom = at + placeholder.size();
     }
     out += QStringView(text).mid(copyFrom);
     return out;
@@ -214,8 +238,8 @@ void StyleManager::initialize(const std::vector<QString> &files)
         text += QLatin1Char('\n');
     }
 
-    text.replace(QStringLiteral("TMPIMG_LOC"), ImageManager::getInstance()->getTempImageFolder());
-    text.replace(QStringLiteral("IMG_LOC"), ImageManager::getInstance()->getImageFolder());
+    text = lumo::replacePlaceholder(text, u"TMPIMG_LOC", ImageManager::getInstance()->getTempImageFolder());
+    text = lumo::replacePlaceholder(text, u"IMG_LOC", ImageManager::getInstance()->getImageFolder());
     text = lumo::removeLineComments(lumo::removeBlockComments(text));
 
     QString key;

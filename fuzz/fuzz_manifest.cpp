@@ -1,0 +1,27 @@
+// The image manifest: names to load and temporary images to write, nowhere but their folder.
+
+#include "fuzzsupport.h"
+#include "resources/registries_p.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    fuzzsupport::setUp();
+    lumo::resetRegistries();
+    static const QStringList allowed = {QStringLiteral("user/tmp_images")};
+    const QByteArray input = fuzzsupport::bytes(data, size);
+    fuzzsupport::writeFile(fuzzsupport::root() + QStringLiteral("/resource/images.json"), input);
+    static const QStringList before = fuzzsupport::filesOutside(allowed);
+    ImageManager::getInstance()->initialize(size % 2 ? ImageManager::LoadAll : ImageManager::LoadLazily);
+
+    const QJsonArray names = QJsonDocument::fromJson(input).object().value(QStringLiteral("images")).toArray();
+    for (const QJsonValue &name : names) {
+        for (int type = -1; type <= 4; ++type)
+            getGlobalImage(name.toString(), ImageManager::ImageType(type));
+    }
+    fuzzsupport::check(fuzzsupport::filesOutside(allowed) == before, "the manifest wrote outside the temporary image folder");
+    return 0;
+}
