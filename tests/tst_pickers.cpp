@@ -141,7 +141,6 @@ private Q_SLOTS:
     void setTextAndDefault_data();
     void setTextAndDefault();
     void correctTimeEmits();
-    void setCurrentTextOverloads();
     void pathRow_data();
     void pathRow();
     void overflowMenu_data();
@@ -335,6 +334,7 @@ void TestPickers::setTextAndDefault()
 void TestPickers::correctTimeEmits()
 {
     TimeBoxWindow w;
+    QCOMPARE(w.state(), QStringLiteral("@0")); // filled after it became editable: the hidden row is current
     w.box->setCurrentIndex(3);
     QSignalSpy spy(w.box, SIGNAL(currentIndexChanged(int)));
     // A new time on the custom row: the row change and the explicit emission.
@@ -353,6 +353,14 @@ void TestPickers::correctTimeEmits()
     QCOMPARE(w.state(), listed(QStringLiteral("07:00")));
     QCOMPARE(spy.count(), 4);
     QCOMPARE(spy.last(), QVariantList {halfHours().indexOf(QStringLiteral("07:00")) + 1});
+    // A literal takes the box's own route; a QString QComboBox's, which only fills the line edit.
+    w.box->setCurrentText("10:31");
+    QCOMPARE(w.state(), QStringLiteral("10:31@0+custom"));
+    w.box->setCurrentText(QStringLiteral("7"));
+    QCOMPARE(w.box->lineEdit()->text(), QStringLiteral("7"));
+    QCOMPARE(w.box->time(), QTime());
+    w.box->correctTime();
+    QCOMPARE(w.box->time(), QTime(7, 0));
 
     // A plain box falls back to row 0 for a time it does not list.
     LumoTimeComboBox plain;
@@ -361,20 +369,6 @@ void TestPickers::correctTimeEmits()
     plain.correctTime();
     QCOMPARE(plain.currentIndex(), 0);
     QCOMPARE(plain.count(), 2);
-}
-
-void TestPickers::setCurrentTextOverloads()
-{
-    // A literal takes the box's own route; a QString QComboBox's.
-    TimeBoxWindow w;
-    QCOMPARE(w.state(), QStringLiteral("@0")); // filled after it became editable: the hidden row is current
-    w.box->setCurrentText("10:31");
-    QCOMPARE(w.state(), QStringLiteral("10:31@0+custom"));
-    w.box->setCurrentText(QStringLiteral("7"));
-    QCOMPARE(w.box->lineEdit()->text(), QStringLiteral("7"));
-    QCOMPARE(w.box->time(), QTime());
-    w.box->correctTime();
-    QCOMPARE(w.box->time(), QTime(7, 0));
 }
 
 void TestPickers::pathRow_data()
