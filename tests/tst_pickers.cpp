@@ -147,7 +147,6 @@ private Q_SLOTS:
     void overflowMenu();
     void hostilePaths();
     void pathMenuPickWhileRefreshing();
-    void overflowFollowsWidth();
     void filterBarKeys();
     void footbar();
     void shadeStop_data();
@@ -473,6 +472,16 @@ void TestPickers::overflowMenu()
     }
     QCOMPARE(w.menuTexts(), expected);
     QCOMPARE(w.folder()->isVisible(), over > 0);
+    // Widened: no folder button, no stale menu, the row from its start; narrowed again: the same as a rebuild.
+    const int narrow = w.bar->width();
+    w.bar->setFixedWidth(narrow + total);
+    QTRY_VERIFY(w.folder()->isHidden());
+    QVERIFY(w.menuTexts().isEmpty());
+    QCOMPARE(w.bar->horizontalScrollBar()->value(), 0);
+    w.bar->setFixedWidth(narrow);
+    QTRY_COMPARE(w.menuTexts(), expected);
+    QCOMPARE(w.folder()->isVisible(), over > 0);
+    QCOMPARE(w.bar->horizontalScrollBar()->value(), over);
 
     // The menu route: each entry emits what a click on its segment button would.
     QSignalSpy spy(w.bar, SIGNAL(sigUpdatePath(QString)));
@@ -565,27 +574,6 @@ void TestPickers::pathMenuPickWhileRefreshing()
     QCOMPARE(bar->columnCount(), 3);
     QTest::qWait(0);
     QCOMPARE(bar->viewport()->findChildren<QPushButton *>().size(), 3);
-}
-
-void TestPickers::overflowFollowsWidth()
-{
-    PathWindow w(px(2000));
-    QVERIFY(QTest::qWaitForWindowExposed(&w.window));
-    w.bar->refresh(deepPath);
-    QVERIFY(w.folder()->isHidden());
-    // Narrowed: the same overflow as a rebuild at that width.
-    PathWindow narrow(px(250));
-    QVERIFY(QTest::qWaitForWindowExposed(&narrow.window));
-    narrow.bar->refresh(deepPath);
-    w.bar->setFixedWidth(px(250));
-    QTRY_VERIFY(w.folder()->isVisible());
-    QCOMPARE(w.menuTexts(), narrow.menuTexts());
-    QCOMPARE(w.bar->horizontalScrollBar()->value(), narrow.bar->horizontalScrollBar()->value());
-    // Widened again: no folder button, no stale menu, the row from its start.
-    w.bar->setFixedWidth(px(2000));
-    QTRY_VERIFY(w.folder()->isHidden());
-    QVERIFY(w.menuTexts().isEmpty());
-    QCOMPARE(w.bar->horizontalScrollBar()->value(), 0);
 }
 
 void TestPickers::filterBarKeys()
