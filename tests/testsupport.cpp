@@ -2,6 +2,8 @@
 
 #include "gallery.h"
 
+#include <lumo/registries.h>
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -63,6 +65,11 @@ void LogCatcher::clear()
 double expectedScale()
 {
     return qEnvironmentVariable("LUMO_TEST_SCALE", QStringLiteral("1.0")).toDouble();
+}
+
+int px(double value)
+{
+    return int(DPIinfo::getInstance()->getDPI() * value);
 }
 
 void startWithDefaultTheme(const QTemporaryDir &userData)

@@ -27,6 +27,9 @@ public:
 /** The scale factor this test run was started for (ctest sets it with the screen). */
 double expectedScale();
 
+/** A design length on this screen, truncated as the widgets size themselves. */
+int px(double value);
+
 /** Runs the library's start-up with the default theme and a per-test user-data folder. */
 void startWithDefaultTheme(const QTemporaryDir &userData);
 

@@ -37,6 +37,14 @@ QStringList words(const char *text)
     return QString::fromLatin1(text).split(QLatin1Char(' '), Qt::SkipEmptyParts);
 }
 
+// A one-entry menu; frameless, which keeps the offscreen platform from adding frame margins to its position.
+void setUpMenu(LumoMenu &menu)
+{
+    menu.setWindowFlags(menu.windowFlags() | Qt::FramelessWindowHint);
+    menu.setStyleSheet(getStyleSheet("component.menu", false));
+    menu.addAction(QStringLiteral("Open"));
+}
+
 // A window holding @p target and a free spot for the pointer to go to.
 struct PointerWindow {
     QWidget window;
@@ -140,8 +148,6 @@ private Q_SLOTS:
     void pointerScript();
     void menuStaysOnPrimaryScreen_data();
     void menuStaysOnPrimaryScreen();
-    void lineEditMarginsAndSpacing_data();
-    void lineEditMarginsAndSpacing();
     void lineEditValidateAndErrorLook();
     void labelMinimumHeight_data();
     void labelMinimumHeight();
@@ -340,9 +346,7 @@ void TestControls::menuStaysOnPrimaryScreen_data()
     QTest::addColumn<QPoint>("at");
     QTest::addColumn<QPoint>("expected");
     LumoMenu menu; // the one the test shows, at its natural size
-    menu.setWindowFlags(menu.windowFlags() | Qt::FramelessWindowHint);
-    menu.setStyleSheet(getStyleSheet("component.menu", false));
-    menu.addAction(QStringLiteral("Open"));
+    setUpMenu(menu);
     menu.ensurePolished();
     menu.adjustSize();
     const int w = menu.width();
@@ -366,42 +370,10 @@ void TestControls::menuStaysOnPrimaryScreen()
     QFETCH(QPoint, at);
     QFETCH(QPoint, expected);
     LumoMenu menu;
-    // Keeps the offscreen platform from adding frame margins to the position.
-    menu.setWindowFlags(menu.windowFlags() | Qt::FramelessWindowHint);
-    menu.setStyleSheet(getStyleSheet("component.menu", false));
-    menu.addAction(QStringLiteral("Open"));
+    setUpMenu(menu);
     menu.move(at);
     menu.show();
     QCOMPARE(menu.pos(), expected);
-}
-
-void TestControls::lineEditMarginsAndSpacing_data()
-{
-    QTest::addColumn<QMargins>("margins");
-    QTest::addColumn<QMargins>("scaledMargins");
-    QTest::addColumn<int>("spacing");
-    QTest::addColumn<int>("scaledSpacing");
-    // Products are truncated: 3 x 1.5 = 4.5 gives 4, 5 x 1.5 = 7.5 gives 7.
-    QTest::newRow("small") << QMargins(3, 5, 1, 0) << QMargins(atScale(3, 4, 6), atScale(5, 7, 10), atScale(1, 1, 2), 0) << 5
-                           << atScale(5, 7, 10);
-    QTest::newRow("odd") << QMargins(7, 9, 11, 13)
-                         << QMargins(atScale(7, 10, 14), atScale(9, 13, 18), atScale(11, 16, 22), atScale(13, 19, 26)) << 3
-                         << atScale(3, 4, 6);
-}
-
-void TestControls::lineEditMarginsAndSpacing()
-{
-    QFETCH(QMargins, margins);
-    QFETCH(QMargins, scaledMargins);
-    QFETCH(int, spacing);
-    QFETCH(int, scaledSpacing);
-    LumoLineEdit edit;
-    QLayout *row = edit.layout();
-    QCOMPARE(row->contentsMargins(), QMargins());
-    edit.setMargins(margins.left(), margins.top(), margins.right(), margins.bottom());
-    edit.setSpacing(spacing);
-    QCOMPARE(row->contentsMargins(), scaledMargins);
-    QCOMPARE(row->spacing(), scaledSpacing);
 }
 
 void TestControls::lineEditValidateAndErrorLook()
@@ -419,6 +391,12 @@ void TestControls::lineEditValidateAndErrorLook()
     edit.setValidator(nullptr);
     edit.getLineEdit()->setText(QStringLiteral("x"));
     QVERIFY(edit.validate());
+    // Margins and spacing are scaled and truncated: at 1.5, 3 gives 4 and 5 gives 7.
+    QCOMPARE(row->contentsMargins(), QMargins());
+    edit.setMargins(3, 5, 11, 0);
+    edit.setSpacing(5);
+    QCOMPARE(row->contentsMargins(), QMargins(testsupport::px(3), testsupport::px(5), testsupport::px(11), 0));
+    QCOMPARE(row->spacing(), testsupport::px(5));
 
     // The look follows setError() at once, without any further event; validation leaves it alone.
     edit.show();

@@ -11,11 +11,10 @@
 
 namespace
 {
-// A design length on this screen, truncated as the widgets size themselves.
-int px(double value)
-{
-    return int(DPIinfo::getInstance()->getDPI() * value);
-}
+using testsupport::px;
+
+// Deep enough to overflow a narrow bar, with a blank and an ampersand in a segment.
+const QString deepPath = QStringLiteral("home/Mitarbeiter & Partner/Projects/Q3 Planning/Draft/Final");
 
 // Every half hour of the day, as an owner would fill the box.
 QStringList halfHours()
@@ -91,6 +90,13 @@ struct PathWindow {
     }
     QPushButton *button(int column) const { return qobject_cast<QPushButton *>(bar->cellWidget(0, column)); }
     QToolButton *folder() const { return bar->findChild<QToolButton *>(); }
+    int rowWidth() const
+    {
+        int total = 0;
+        for (int c = 0; c < bar->columnCount(); ++c)
+            total += bar->columnWidth(c);
+        return total;
+    }
     QStringList menuTexts() const
     {
         QStringList texts;
@@ -130,18 +136,17 @@ private Q_SLOTS:
     void typedTime_data();
     void typedTime();
     void focusInStripsSuffix();
+    void customRow_data();
     void customRow();
     void setTextAndDefault_data();
     void setTextAndDefault();
     void correctTimeEmits();
-    void timeBoxThroughQComboBox();
     void pathRow_data();
     void pathRow();
     void overflowMenu_data();
     void overflowMenu();
     void hostilePaths();
     void pathMenuPickWhileRefreshing();
-    void overflowFollowsWidth();
     void filterBarKeys();
     void footbar();
     void shadeStop_data();
@@ -232,27 +237,51 @@ void TestPickers::focusInStripsSuffix()
     QTRY_COMPARE(w.state(), QStringLiteral("09:05 (custom)@0+custom"));
 }
 
+void TestPickers::customRow_data()
+{
+    QTest::addColumn<bool>("throughQComboBox");
+    QTest::newRow("the box's own calls") << false;
+    QTest::newRow("through QComboBox") << true;
+}
+
 void TestPickers::customRow()
 {
-    TimeBoxWindow w;
-    w.box->setEditable(true); // no change, no second row
+    QFETCH(bool, throughQComboBox);
+    TimeBoxWindow w(false);
+    QComboBox *base = w.box;
+    // Through QComboBox the box catches up once control returns to the event loop.
+    const auto setEditable = [&](bool editable) {
+        for (int twice = 0; twice < 2; ++twice) // the second call changes nothing
+            throughQComboBox ? base->setEditable(editable) : w.box->setEditable(editable);
+        if (throughQComboBox)
+            QTest::qWait(0);
+    };
+    setEditable(true);
     QCOMPARE(w.box->count(), halfHours().size() + 1);
-    QCOMPARE(w.state(), QStringLiteral("@0"));
+    QCOMPARE(w.state(), QStringLiteral("00:00@1")); // the hidden row goes in before the current one
+    QVERIFY(w.box->lineEdit()->validator());
+    QVERIFY(!w.box->completer());
     QCOMPARE(w.qtMaxVisible(), 11); // Qt's default 10, plus the hidden row
     w.box->setItemVisible(true);
-    QCOMPARE(w.state(), QStringLiteral("@0+custom"));
+    QCOMPARE(w.state(), QStringLiteral("00:00@1+custom"));
     QCOMPARE(w.qtMaxVisible(), 10);
-    w.box->setMaxVisibleItems(4);
-    QCOMPARE(w.qtMaxVisible(), 4);
     w.box->setItemVisible(false);
-    QCOMPARE(w.state(), QStringLiteral("@0"));
+    throughQComboBox ? base->setMaxVisibleItems(4) : w.box->setMaxVisibleItems(4);
+    if (throughQComboBox) { // a limit set through QComboBox counts from the next popup
+        w.box->showPopup();
+        w.box->hidePopup();
+    }
     QCOMPARE(w.qtMaxVisible(), 5);
+    w.box->setItemVisible(true);
+    QCOMPARE(w.qtMaxVisible(), 4);
+    QVERIFY(w.typeAndLeave(QStringLiteral("9:7"), true));
+    QCOMPARE(w.state(), QStringLiteral("09:07@0+custom"));
+    QCOMPARE(w.box->time(), QTime(9, 7));
 
     // Without the custom row the first row is the owner's and stays visible.
-    w.box->setEditable(false);
-    w.box->setEditable(false);
-    w.box->setItemVisible(false);
+    setEditable(false);
     QCOMPARE(w.box->count(), halfHours().size());
+    w.box->setItemVisible(false);
     QCOMPARE(w.state(), QStringLiteral("00:00@0"));
     QVERIFY(w.firstRowShown());
     QCOMPARE(w.qtMaxVisible(), 4);
@@ -304,6 +333,7 @@ void TestPickers::setTextAndDefault()
 void TestPickers::correctTimeEmits()
 {
     TimeBoxWindow w;
+    QCOMPARE(w.state(), QStringLiteral("@0")); // filled after it became editable: the hidden row is current
     w.box->setCurrentIndex(3);
     QSignalSpy spy(w.box, SIGNAL(currentIndexChanged(int)));
     // A new time on the custom row: the row change and the explicit emission.
@@ -322,6 +352,14 @@ void TestPickers::correctTimeEmits()
     QCOMPARE(w.state(), listed(QStringLiteral("07:00")));
     QCOMPARE(spy.count(), 4);
     QCOMPARE(spy.last(), QVariantList {halfHours().indexOf(QStringLiteral("07:00")) + 1});
+    // A literal takes the box's own route; a QString QComboBox's, which only fills the line edit.
+    w.box->setCurrentText("10:31");
+    QCOMPARE(w.state(), QStringLiteral("10:31@0+custom"));
+    w.box->setCurrentText(QStringLiteral("7"));
+    QCOMPARE(w.box->lineEdit()->text(), QStringLiteral("7"));
+    QCOMPARE(w.box->time(), QTime());
+    w.box->correctTime();
+    QCOMPARE(w.box->time(), QTime(7, 0));
 
     // A plain box falls back to row 0 for a time it does not list.
     LumoTimeComboBox plain;
@@ -330,39 +368,6 @@ void TestPickers::correctTimeEmits()
     plain.correctTime();
     QCOMPARE(plain.currentIndex(), 0);
     QCOMPARE(plain.count(), 2);
-}
-
-void TestPickers::timeBoxThroughQComboBox()
-{
-    // Called through QComboBox, editability and the row limit end as the box's own calls leave them.
-    TimeBoxWindow own(false), base(false);
-    own.box->setEditable(true);
-    static_cast<QComboBox *>(base.box)->setEditable(true);
-    QTest::qWait(0);
-    QCOMPARE(base.state(), own.state());
-    QCOMPARE(base.qtMaxVisible(), own.qtMaxVisible());
-    QVERIFY(base.box->lineEdit()->validator());
-    QVERIFY(!base.box->completer());
-    static_cast<QComboBox *>(base.box)->setMaxVisibleItems(4);
-    base.box->showPopup();
-    QCOMPARE(base.qtMaxVisible(), 5); // plus the hidden custom row
-    base.box->hidePopup();
-    base.box->setItemVisible(true);
-    QCOMPARE(base.qtMaxVisible(), 4);
-    QVERIFY(base.typeAndLeave(QStringLiteral("9:7"), true));
-    QCOMPARE(base.state(), QStringLiteral("09:07@0+custom"));
-    QCOMPARE(base.box->time(), QTime(9, 7));
-    static_cast<QComboBox *>(base.box)->setEditable(false);
-    QTRY_COMPARE(base.box->count(), halfHours().size());
-
-    // A literal takes the box's own route; a QString QComboBox's.
-    own.box->setCurrentText("10:31");
-    QCOMPARE(own.state(), QStringLiteral("10:31@0+custom"));
-    own.box->setCurrentText(QStringLiteral("7"));
-    QCOMPARE(own.box->lineEdit()->text(), QStringLiteral("7"));
-    QCOMPARE(own.box->time(), QTime());
-    own.box->correctTime();
-    QCOMPARE(own.box->time(), QTime(7, 0));
 }
 
 void TestPickers::pathRow_data()
@@ -427,10 +432,8 @@ void TestPickers::overflowMenu_data()
 {
     QTest::addColumn<int>("over"); // how much wider than the view the row is
     PathWindow wide;
-    wide.bar->refresh(QStringLiteral("home/Mitarbeiter & Partner/Projects/Q3 Planning/Draft/Final"));
-    int total = 0;
-    for (int c = 0; c < wide.bar->columnCount(); ++c)
-        total += wide.bar->columnWidth(c);
+    wide.bar->refresh(deepPath);
+    const int total = wide.rowWidth();
     const int first = wide.bar->columnWidth(0);
     const int arrow = wide.bar->columnWidth(1);
     QTest::newRow("fits exactly") << 0;
@@ -446,18 +449,15 @@ void TestPickers::overflowMenu_data()
 void TestPickers::overflowMenu()
 {
     QFETCH(int, over);
-    const QString path = QStringLiteral("home/Mitarbeiter & Partner/Projects/Q3 Planning/Draft/Final");
     PathWindow w;
     QVERIFY(QTest::qWaitForWindowExposed(&w.window));
-    w.bar->refresh(path);
-    int total = 0;
-    for (int c = 0; c < w.bar->columnCount(); ++c)
-        total += w.bar->columnWidth(c);
+    w.bar->refresh(deepPath);
+    const int total = w.rowWidth();
     // Size the bar so that its view is exactly total - over pixels wide.
     w.bar->setFixedWidth(total - over + w.bar->width() - w.bar->viewport()->width());
     QApplication::processEvents();
     QCOMPARE(w.bar->horizontalScrollBar()->pageStep(), total - over);
-    w.bar->refresh(path);
+    w.bar->refresh(deepPath);
     QApplication::processEvents();
     QCOMPARE(w.bar->horizontalScrollBar()->maximum(), over);
     QCOMPARE(w.bar->horizontalScrollBar()->value(), over); // scrolled to the right end
@@ -472,6 +472,16 @@ void TestPickers::overflowMenu()
     }
     QCOMPARE(w.menuTexts(), expected);
     QCOMPARE(w.folder()->isVisible(), over > 0);
+    // Widened: no folder button, no stale menu, the row from its start; narrowed again: the same as a rebuild.
+    const int narrow = w.bar->width();
+    w.bar->setFixedWidth(narrow + total);
+    QTRY_VERIFY(w.folder()->isHidden());
+    QVERIFY(w.menuTexts().isEmpty());
+    QCOMPARE(w.bar->horizontalScrollBar()->value(), 0);
+    w.bar->setFixedWidth(narrow);
+    QTRY_COMPARE(w.menuTexts(), expected);
+    QCOMPARE(w.folder()->isVisible(), over > 0);
+    QCOMPARE(w.bar->horizontalScrollBar()->value(), over);
 
     // The menu route: each entry emits what a click on its segment button would.
     QSignalSpy spy(w.bar, SIGNAL(sigUpdatePath(QString)));
@@ -524,7 +534,6 @@ void TestPickers::hostilePaths()
 void TestPickers::pathMenuPickWhileRefreshing()
 {
     // An owner that follows a focused folder tree and navigates on every pick.
-    const QString path = QStringLiteral("home/Mitarbeiter & Partner/Projects/Q3 Planning/Draft/Final");
     QWidget window;
     auto *tree = new LumoTreeWidget;
     auto *bar = new LumoButtonPath;
@@ -532,7 +541,7 @@ void TestPickers::pathMenuPickWhileRefreshing()
     layout->addWidget(bar);
     layout->addWidget(tree);
     bar->setFixedWidth(px(200));
-    tree->addTopLevelItem(new QTreeWidgetItem(QStringList {path}));
+    tree->addTopLevelItem(new QTreeWidgetItem(QStringList {deepPath}));
     connect(tree, &QTreeWidget::currentItemChanged, bar, [bar](QTreeWidgetItem *item) {
         if (item)
             bar->refresh(item->text(0));
@@ -559,34 +568,12 @@ void TestPickers::pathMenuPickWhileRefreshing()
     QCOMPARE(bar->columnCount(), 1);
 
     // A segment button whose click rebuilds the row it sits in.
-    bar->refresh(path);
+    bar->refresh(deepPath);
     QTest::mouseClick(qobject_cast<QPushButton *>(bar->cellWidget(0, 2)), Qt::LeftButton);
     QCOMPARE(spy.last(), QVariantList {QStringLiteral("home/Mitarbeiter & Partner")});
     QCOMPARE(bar->columnCount(), 3);
     QTest::qWait(0);
     QCOMPARE(bar->viewport()->findChildren<QPushButton *>().size(), 3);
-}
-
-void TestPickers::overflowFollowsWidth()
-{
-    const QString path = QStringLiteral("home/Mitarbeiter & Partner/Projects/Q3 Planning/Draft/Final");
-    PathWindow w(px(2000));
-    QVERIFY(QTest::qWaitForWindowExposed(&w.window));
-    w.bar->refresh(path);
-    QVERIFY(w.folder()->isHidden());
-    // Narrowed: the same overflow as a rebuild at that width.
-    PathWindow narrow(px(250));
-    QVERIFY(QTest::qWaitForWindowExposed(&narrow.window));
-    narrow.bar->refresh(path);
-    w.bar->setFixedWidth(px(250));
-    QTRY_VERIFY(w.folder()->isVisible());
-    QCOMPARE(w.menuTexts(), narrow.menuTexts());
-    QCOMPARE(w.bar->horizontalScrollBar()->value(), narrow.bar->horizontalScrollBar()->value());
-    // Widened again: no folder button, no stale menu, the row from its start.
-    w.bar->setFixedWidth(px(2000));
-    QTRY_VERIFY(w.folder()->isHidden());
-    QVERIFY(w.menuTexts().isEmpty());
-    QCOMPARE(w.bar->horizontalScrollBar()->value(), 0);
 }
 
 void TestPickers::filterBarKeys()
