@@ -48,11 +48,7 @@ void startUp(const QString &theme, const QString &userData)
     UIPathManager::getInstance()->setPath(QStringLiteral("resource_path"), theme);
     UIPathManager::getInstance()->setPath(QStringLiteral("user_data_path"), userData);
     ImageManager::getInstance()->initialize(ImageManager::LoadAll);
-    std::vector<QString> files;
-    const QDir styles(theme + QStringLiteral("/styles"));
-    for (const QString &name : styles.entryList({QStringLiteral("*.qss")}, QDir::Files, QDir::Name))
-        files.push_back(styles.filePath(name));
-    StyleManager::getInstance()->initialize(files);
+    StyleManager::getInstance()->initialize(bench::styleFiles(theme));
     QMap<QString, QString> captions;
     QFile file(theme + QStringLiteral("/captions/enu.json"));
     if (file.open(QIODevice::ReadOnly)) {

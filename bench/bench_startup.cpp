@@ -97,10 +97,7 @@ int main(int argc, char **argv)
     bench::report(bench::atScale(QStringLiteral("ImageManager::initialize(LoadAll) vs decoding and keeping the PNGs")), lumo, decodeAndKeep,
                   1.3);
 
-    std::vector<QString> styleFiles;
-    const QDir styles(theme + QStringLiteral("/styles"));
-    for (const QString &name : styles.entryList({QStringLiteral("*.qss")}, QDir::Files, QDir::Name))
-        styleFiles.push_back(styles.filePath(name));
+    const std::vector<QString> styleFiles = bench::styleFiles(theme);
     StyleManager::getInstance()->initialize(styleFiles);
 
     // The peer holds the finished text of every key in a plain map.

@@ -4,14 +4,26 @@
 
 #pragma once
 
+#include <QDir>
 #include <QGuiApplication>
 #include <QScreen>
 #include <QString>
 
 #include <cstdio>
+#include <vector>
 
 namespace bench
 {
+// The theme's style files in name order, as an application passes them to StyleManager::initialize().
+inline std::vector<QString> styleFiles(const QString &theme)
+{
+    std::vector<QString> files;
+    const QDir styles(theme + QStringLiteral("/styles"));
+    for (const QString &name : styles.entryList({QStringLiteral("*.qss")}, QDir::Files, QDir::Name))
+        files.push_back(styles.filePath(name));
+    return files;
+}
+
 // @p job with the screen's scale factor appended, for jobs whose cost depends on it.
 inline QString atScale(const QString &job)
 {
