@@ -605,8 +605,10 @@ private Q_SLOTS:
         QFETCH(bool, okCancel);
         LumoCountdownMessageBox box(seconds, nullptr);
         QCOMPARE(box.button(QMessageBox::Ok)->text(), str("OK(%1)").arg(seconds));
-        if (okCancel)
+        if (okCancel) {
             box.setStandardButtons(QMessageBox::Ok | QMessageBox::Cancel);
+            box.button(QMessageBox::Cancel)->setFocus(); // the count still ends on Ok, the designed default
+        }
         box.setText(str("The backup of your files will start automatically when the count runs out."));
         QSignalSpy clicked(&box, SIGNAL(buttonClicked(QAbstractButton *)));
         QString caption;
@@ -621,6 +623,7 @@ private Q_SLOTS:
         });
         QTimer::singleShot(10000, &box, [&] { box.done(Hung); }); // a box that never presses itself
         QCOMPARE(box.exec(), expected);
+        QCOMPARE(box.defaultButton(), box.button(QMessageBox::Ok));
         QCOMPARE(caption, shown);
         QVERIFY(textFits);
         // A count at or below 0 clicks at show, and once more at the next tick; then the timer stays stopped.

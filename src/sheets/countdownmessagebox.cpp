@@ -34,11 +34,7 @@ void LumoCountdownMessageBox::step()
     remainingSeconds = r - 1;
     if (r < 1) {
         timer.stop();
-        // setStandardButtons() replaces the buttons and leaves no default: Ok is then the one meant.
-        QPushButton *target = defaultButton();
-        if (!target)
-            target = qobject_cast<QPushButton *>(button(QMessageBox::Ok));
-        if (target)
+        if (QPushButton *target = defaultButton())
             target->animateClick();
     } else {
         updateButtonText();
@@ -61,6 +57,11 @@ void LumoCountdownMessageBox::showEvent(QShowEvent *event)
             button->setStyleSheet(
                 lumo::style(standardButton(button) == QMessageBox::Ok ? "component.apply_button" : "component.cancel_button"));
     }
+    // setStandardButtons() leaves no default; QDialog would then make whichever button
+    // follows the focus widget the default, so the count could end on Cancel.
+    if (!defaultButton())
+        if (auto *ok = qobject_cast<QPushButton *>(button(QMessageBox::Ok)))
+            setDefaultButton(ok);
     QMessageBox::showEvent(event);
     step();
     // Deliberately restarted even when the step has just stopped it: a count of 0
