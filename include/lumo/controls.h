@@ -1,6 +1,13 @@
 #ifndef LUMO_CONTROLS_H
 #define LUMO_CONTROLS_H
 
+/**
+ * @file
+ * Controls: buttons, check boxes, menus, line edit and labels, focus helpers,
+ * combo boxes, the breadcrumb path bar, the filter bar, the footbar and the
+ * shaded scroll area.
+ */
+
 #include <lumo/lumo_export.h>
 
 #include <QCheckBox>
@@ -33,8 +40,17 @@ class LUMO_EXPORT LumoButton : public QPushButton
 {
     Q_OBJECT
 public:
-    enum Kind { Apply = 0, Cancel = 1, SelectPaging = 2, NonselectPaging = 3, Default = 4, Red = 5 };
+    /** The looks, as passed to the constructor. */
+    enum Kind {
+        Apply = 0, ///< "component.apply_button": the accepting button.
+        Cancel = 1, ///< "component.cancel_button".
+        SelectPaging = 2, ///< "component.select_paging_button": the current page of a paging bar.
+        NonselectPaging = 3, ///< "component.nonselect_paging_button": the other pages.
+        Default = 4, ///< "component.default_button": a neutral button.
+        Red = 5 ///< "component.red_button": a destructive action.
+    };
 
+    /** A parentless button captioned @p text in the look @p kind (a Kind value); its size comes from the style section. */
     LumoButton(const QString &text, int kind);
     ~LumoButton() override;
 
@@ -65,19 +81,28 @@ public:
     void setAllIcon(const QString &imageName);
     /** The replacements below show only at the next event that selects their state. */
     void setPressIcon(const QPixmap &pixmap);
+    /** The hover image; see setPressIcon(). */
     void setHoverIcon(const QPixmap &pixmap);
+    /** The disabled image; see setPressIcon(). */
     void setDisableIcon(const QPixmap &pixmap);
 
-    /** For owners that drive the look themselves. */
+    /** Shows the hover image now; for owners that drive the look themselves. */
     void applyHoverStyle();
+    /** Shows the rest image now. */
     void applyNormalStyle();
 
 protected:
+    /** Shows the hover image when enabled. */
     void enterEvent(QEnterEvent *event) override;
+    /** Back to the rest image, unless the button has the keyboard focus. */
     void leaveEvent(QEvent *event) override;
+    /** Shows the pressed image when enabled. */
     void mousePressEvent(QMouseEvent *event) override;
+    /** Back to the rest image, even under the pointer: hover returns with the next enter. */
     void mouseReleaseEvent(QMouseEvent *event) override;
+    /** Shows the rest or the disabled image. */
     void showEvent(QShowEvent *event) override;
+    /** Follows enabling and disabling with the rest or the disabled image. */
     void changeEvent(QEvent *event) override;
 
 private:
@@ -97,6 +122,7 @@ class LUMO_EXPORT LumoCheckBox : public QCheckBox
 {
     Q_OBJECT
 public:
+    /** A check box captioned @p text in "component.checkbox". */
     explicit LumoCheckBox(const QString &text = QString(), QWidget *parent = nullptr);
     ~LumoCheckBox() override;
 
@@ -109,6 +135,7 @@ class LUMO_EXPORT LumoRadioButton : public QRadioButton
 {
     Q_OBJECT
 public:
+    /** A radio button captioned @p text in "component.radio_button". */
     explicit LumoRadioButton(const QString &text = QString(), QWidget *parent = nullptr);
     ~LumoRadioButton() override;
 
@@ -124,10 +151,12 @@ class LUMO_EXPORT LumoMenu : public QMenu
 {
     Q_OBJECT
 public:
+    /** An empty menu. */
     explicit LumoMenu(QWidget *parent = nullptr);
     ~LumoMenu() override;
 
 protected:
+    /** Moves a menu that sticks out of the available area back in; one left of or above it goes to 0. */
     void showEvent(QShowEvent *event) override;
 
 private:
@@ -146,13 +175,16 @@ class LUMO_EXPORT LumoLineEdit : public QWidget
 {
     Q_OBJECT
 public:
+    /** Judges a text: true when it is acceptable. */
     using Validator = bool (*)(const QString &);
 
+    /** Empty labels around an empty line edit, no margins and no spacing. */
     explicit LumoLineEdit(QWidget *parent = nullptr);
     ~LumoLineEdit() override;
 
     /** Design pixels, scaled to the screen and truncated. */
     void setMargins(int left, int top, int right, int bottom);
+    /** Design pixels between the labels and the edit, scaled and truncated. */
     void setSpacing(int spacing);
 
     /** A null function clears the validator. */
@@ -162,9 +194,13 @@ public:
     /** Switches the edit between its normal and error look. */
     void setError(bool on);
 
+    /** The label before the edit (empty until given a text). */
     QLabel *getPreLabel();
+    /** The label after the edit (empty until given a text). */
     QLabel *getPostLabel();
+    /** The line edit itself. */
     QLineEdit *getLineEdit();
+    /** The line edit's text. */
     QString getEditText() const;
 
 private:
@@ -182,11 +218,14 @@ class LUMO_EXPORT LumoLabel : public QLabel
 {
     Q_OBJECT
 public:
+    /** An empty label in "component.label". */
     explicit LumoLabel(QWidget *parent = nullptr, Qt::WindowFlags flags = Qt::WindowFlags());
+    /** A label showing @p text in "component.label". */
     explicit LumoLabel(const QString &text, QWidget *parent = nullptr, Qt::WindowFlags flags = Qt::WindowFlags());
     ~LumoLabel() override;
 
 protected:
+    /** With word wrap and a Minimum vertical policy, sets the minimum height to the text's height at the new width. */
     void resizeEvent(QResizeEvent *event) override;
 
 private:
@@ -198,13 +237,16 @@ class LUMO_EXPORT ClickableLabel : public QLabel
 {
     Q_OBJECT
 public:
+    /** A label showing @p text. */
     explicit ClickableLabel(const QString &text = QString(), QWidget *parent = nullptr);
     ~ClickableLabel() override;
 
 Q_SIGNALS:
+    /** A mouse button was pressed on the label (on press, not release). */
     void clicked();
 
 protected:
+    /** Emits clicked(). */
     void mousePressEvent(QMouseEvent *event) override;
 
 private:
@@ -222,17 +264,24 @@ private:
 class LUMO_EXPORT LinkLabel : public ClickableLabel
 {
     Q_OBJECT
+    /** The link stored for the owner. */
     Q_PROPERTY(QString hyperLink READ getHyperLink WRITE setHyperLink)
 public:
+    /** A label showing @p text that underlines it under the pointer. */
     explicit LinkLabel(const QString &text = QString(), QLabel *parent = nullptr);
     ~LinkLabel() override;
 
+    /** Whether the text is underlined under the pointer (default true). */
     void setHoverUnderline(bool underline);
+    /** Stores @p link; the label does nothing with it. */
     void setHyperLink(const QString &link);
+    /** The stored link. */
     QString getHyperLink();
 
 protected:
+    /** When enabled: the pointing hand override cursor and, if set, the underline. */
     void enterEvent(QEnterEvent *event) override;
+    /** When enabled: restores the cursor and removes the underline. */
     void leaveEvent(QEvent *event) override;
 
 private:
@@ -253,14 +302,18 @@ LUMO_EXPORT QString getHtmlEscapedStringForToolTip(const QString &text);
 class LUMO_EXPORT AccessibleFilter
 {
 public:
+    /** No exclusions; every focus policy admitted (Qt::NoFocus). */
     AccessibleFilter();
+    /** Leaves out @p widgets and admits focus policies of at least @p level. */
     AccessibleFilter(const QList<QWidget *> &widgets, Qt::FocusPolicy level);
 
     /** Left out of the result; their descendants are still visited. */
     QList<QWidget *> filterWidgets();
     /** Compared as a number: Qt::TabFocus also admits click-only widgets, Qt::NoFocus admits all. */
     Qt::FocusPolicy focusLevel();
+    /** Replaces the excluded widgets. */
     void setFilterWidgets(const QList<QWidget *> &widgets);
+    /** Replaces the minimum focus policy. */
     void setFocusLevel(Qt::FocusPolicy level);
 
 private:
@@ -307,9 +360,11 @@ class LUMO_EXPORT LumoComboBox : public QComboBox
 {
     Q_OBJECT
 public:
+    /** An empty box in "component.combobox", its list with "component.scrollbar". */
     explicit LumoComboBox(QWidget *parent = nullptr);
     ~LumoComboBox() override;
 
+    /** Opens the list below the box; the box gives up the focus while it is open. */
     void showPopup() override;
 
 private:
@@ -326,6 +381,7 @@ class LUMO_EXPORT LumoTimeComboBox : public LumoComboBox
 {
     Q_OBJECT
 public:
+    /** An empty, non-editable box; add the "hh:mm" rows with addItem(). */
     explicit LumoTimeComboBox(QWidget *parent = nullptr);
     ~LumoTimeComboBox() override;
 
@@ -343,6 +399,7 @@ public:
      * or popup on.
      */
     void setMaxVisibleItems(int maxItems);
+    /** Hands Qt the limit, counting a hidden custom row in; called by the box itself whenever the row changes. */
     void adjustMaxVisibleItems();
     /** Selects the row of @p text (UTF-8); an editable box shows an unknown time in the custom row. */
     void setCurrentText(const std::string &text);
@@ -359,7 +416,9 @@ public:
     /** Normalises the typed text to "hh:mm" and selects its row or the custom row. */
     void correctTime();
 
+    /** Catches up with the editability and the row limit, then opens the list below the box. */
     void showPopup() override;
+    /** On the box itself: Return or Enter and losing the focus correct the typed time; the custom row is edited without its suffix. */
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
@@ -387,11 +446,16 @@ private:
  * that segment; the bar never navigates by itself. When the row is wider than
  * the bar it scrolls to its right end and a folder button in its left corner
  * lists the segments out of sight.
+ *
+ * The bar is 28 design pixels high (scaled) whatever the host's layout says.
+ * On overflow the 26 x 26 folder button covers the left end of the row, so the
+ * segment it partly hides is also listed, as the menu's last entry.
  */
 class LUMO_EXPORT LumoButtonPath : public QTableWidget
 {
     Q_OBJECT
 public:
+    /** An empty bar in "component.button_path". */
     explicit LumoButtonPath(QWidget *parent = nullptr);
     ~LumoButtonPath() override;
 
@@ -403,14 +467,19 @@ public:
     void refresh(QString path);
     /** The path up to the button at list index @p index, without a leading slash. */
     QString getPath(int index);
+    /** Sets the arrow columns' widths and, when the row is wider than the bar, calls setChangeFolderBtn(). */
     void updateColumnSize();
+    /** Shows the folder button with a menu of the segments out of sight of a row @p totalWidth pixels wide, and scrolls to the end. */
     void setChangeFolderBtn(int totalWidth);
 
 Q_SIGNALS:
+    /** A segment or menu entry was clicked: @p path runs from the first segment to it, without a leading slash. */
     void sigUpdatePath(QString path);
 
 public Q_SLOTS:
+    /** refresh(@p path). */
     void slotUpdatePath(QString path);
+    /** Emits sigUpdatePath() with getPath(@p index). */
     void slotPathBarClicked(int index);
 
 protected:
@@ -437,6 +506,7 @@ class LUMO_EXPORT LumoFilterBar : public QLineEdit
 {
     Q_OBJECT
 public:
+    /** An empty bar, 28 design pixels high (scaled), with the "bt_search_dropdown" button. */
     explicit LumoFilterBar(QWidget *parent = nullptr);
     ~LumoFilterBar() override;
 
@@ -444,12 +514,15 @@ public:
     void setMenu(QMenu *menu);
 
 Q_SIGNALS:
+    /** Return was pressed with @p keyword in the field. */
     void sigKeywordChanged(QString keyword);
 
 public Q_SLOTS:
+    /** Emits sigKeywordChanged() with the current text. */
     void slotKeywordChange();
 
 protected:
+    /** Down opens the menu (and is consumed even without one); other keys edit as usual. */
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
@@ -465,15 +538,19 @@ private:
 class LUMO_EXPORT LumoFootbar : public QWidget
 {
 public:
+    /** An empty bar. */
     explicit LumoFootbar(QWidget *parent = nullptr);
     ~LumoFootbar() override;
 
+    /** Queues @p widget for the left group, in order. */
     void pushLeftWidget(QWidget *widget);
+    /** Queues @p widget for the right group, in order. */
     void pushRightWidget(QWidget *widget);
-    /** Lays out the pushed widgets; widgets pushed later are the owner's to place. */
+    /** Lays out the pushed widgets with margins 20, 8, 20, 8 and spacing 10; widgets pushed later are the owner's to place. */
     void init();
     /** Design pixels, scaled to the screen and truncated. */
     void setMargins(int left, int top, int right, int bottom);
+    /** Design pixels between the widgets, scaled and truncated. */
     void setSpacing(int spacing);
 
 private:
@@ -492,6 +569,7 @@ class LUMO_EXPORT LumoVerticalScrollArea : public QScrollArea
 {
     Q_OBJECT
 public:
+    /** An empty, widget-resizable area whose vertical scroll bar has "component.scrollbar"; the shade is the whole height. */
     explicit LumoVerticalScrollArea(QWidget *parent = nullptr);
     ~LumoVerticalScrollArea() override;
 
@@ -501,9 +579,11 @@ public:
      */
     void setShadowSize(double size);
 
+    /** Redraws the shade when the scroll bar appears or disappears. */
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 public Q_SLOTS:
+    /** Shades the bottom edge unless @p value is the scroll bar's maximum. */
     void slotScrollValueChanged(int value);
 
 private:

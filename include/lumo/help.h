@@ -1,6 +1,13 @@
 #ifndef LUMO_HELP_H
 #define LUMO_HELP_H
 
+/**
+ * @file
+ * The help viewer: a dialog that asks the application's knowledge-base server
+ * for a page and falls back to the installed offline pages, and the text
+ * browser that fetches a page's pictures into a local cache.
+ */
+
 #include <lumo/lumo_export.h>
 
 #include <QDialog>
@@ -26,12 +33,14 @@ class LUMO_EXPORT ImageDownloader : public QObject
 {
     Q_OBJECT
 public:
+    /** Will fetch @p url into @p filePath; nothing is sent before start(). */
     ImageDownloader(const QString &filePath, const QString &url, QObject *parent);
     ~ImageDownloader() override;
     Q_DISABLE_COPY(ImageDownloader)
 
     /** Sends the request; the result arrives as sigDownloadFinish(). Call once. */
     void start();
+    /** True once sigDownloadFinish() was emitted. */
     bool isFinished();
 
 Q_SIGNALS:
@@ -59,6 +68,7 @@ class LUMO_EXPORT HtmlTextBrowser : public QTextBrowser
 {
     Q_OBJECT
 public:
+    /** An empty browser; set its page with setText(). */
     explicit HtmlTextBrowser(QWidget *parent = nullptr);
     ~HtmlTextBrowser() override;
     Q_DISABLE_COPY(HtmlTextBrowser)
@@ -67,7 +77,11 @@ public:
     static QString imageCacheFolder();
 
 public Q_SLOTS:
-    /** Shows @p text; rich text with a base element also starts its picture downloads. */
+    /**
+     * Shows @p text; rich text with a base element also starts its picture
+     * downloads. Each such page puts the cache folder in front of the search
+     * paths again: the list grows by one entry per page shown.
+     */
     void setText(const QString &text);
     /** Lays a page given as text out again (with the pictures that arrived since); a source is loaded again. */
     void reload() override;
@@ -89,11 +103,11 @@ private:
 
 /** What the application knows about one help request. */
 struct LUMO_EXPORT HelpContext {
-    QString language; // three-letter code as from LumoLocale
-    QString offlineHelpPath; // installed help: one sub-folder per language code
-    QString link; // page file name, also sent to the server
-    QString section;
-    QString version = QStringLiteral("1.0");
+    QString language; ///< Three-letter code as from LumoLocale; HelpWindow::helpLanguage() turns it into the help's code.
+    QString offlineHelpPath; ///< Installed help: one sub-folder per help language code ("enu", "ger", ...).
+    QString link; ///< Page file name, also sent to the server.
+    QString section; ///< Section of the product, sent to the server.
+    QString version = QStringLiteral("1.0"); ///< Product version, sent to the server.
 };
 
 /**
@@ -104,12 +118,16 @@ class LUMO_EXPORT BrowserWindow : public QDialog
 {
     Q_OBJECT
 public:
+    /** An application-modal dialog holding an empty browser; nothing is requested yet. */
     explicit BrowserWindow(QWidget *parent = nullptr);
     ~BrowserWindow() override;
     Q_DISABLE_COPY(BrowserWindow)
 
+    /** Loads @p url, replacing the stored one. */
     void reload(const QUrl &url);
+    /** Loads the stored URL again; a request still running is not aborted. */
     void reload();
+    /** Sends the request for the stored URL and starts the ten-second limit. */
     void query();
 
 protected:
@@ -121,17 +139,19 @@ Q_SIGNALS:
     void sigAbortRequest();
 
 protected Q_SLOTS:
+    /** Shows the page of @p reply, or calls fallbackOffline() on an error or an oversized body. */
     void slotReceiveReply(QNetworkReply *reply);
+    /** The ten seconds ran out: aborts the request, which ends in slotReceiveReply() with an error. */
     void slotQueryTimeout();
 
 private Q_SLOTS:
     void slotCheckReplySize();
 
 protected:
-    QUrl url;
-    QNetworkAccessManager *networkManager = nullptr;
-    QTimer *queryTimer = nullptr;
-    HtmlTextBrowser *browser = nullptr;
+    QUrl url; ///< The address query() loads.
+    QNetworkAccessManager *networkManager = nullptr; ///< Owned; its replies end in slotReceiveReply().
+    QTimer *queryTimer = nullptr; ///< Owned; the single-shot ten-second limit.
+    HtmlTextBrowser *browser = nullptr; ///< The page view, a child of the dialog.
 
 private:
     void init();
@@ -148,6 +168,7 @@ class LUMO_EXPORT HelpWindow : public BrowserWindow
 {
     Q_OBJECT
 public:
+    /** Stores @p context and calls retrieveHelpContent(). */
     HelpWindow(const HelpContext &context, QWidget *parent = nullptr);
     ~HelpWindow() override;
     Q_DISABLE_COPY(HelpWindow)
@@ -157,13 +178,20 @@ public:
      * port are used. Without one (the default) help windows show the offline page.
      */
     static void setKnowledgeBaseUrl(const QUrl &url);
+    /** The server set by setKnowledgeBaseUrl(), reduced to scheme, host and port; empty when none. */
     static QUrl knowledgeBaseUrl();
     /** The help server's code for the language code @p language ("deu" gives "ger"). */
     static QString helpLanguage(const QString &language);
 
+    /**
+     * Asks the knowledge-base server for the page (path "/cgi/knowledgebase/",
+     * the context in the query), or shows the offline page at once when no
+     * server is set.
+     */
     void retrieveHelpContent();
 
 protected:
+    /** Shows `<offlineHelpPath>/<help language>/<link>`; a missing file leaves the browser as it was. */
     void fallbackOffline() override;
 
 private:

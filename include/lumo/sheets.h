@@ -1,6 +1,13 @@
 #ifndef LUMO_SHEETS_H
 #define LUMO_SHEETS_H
 
+/**
+ * @file
+ * Sheets and shadows: the white shadowed panel, the dimming mask that lays a
+ * sheet over its window, the message, input and countdown boxes, the one-call
+ * message functions, and the box-shadow effect.
+ */
+
 #include <lumo/lumo_export.h>
 
 #include <QColor>
@@ -23,10 +30,10 @@ class LumoMaskPrivate;
 
 /** One shadow of a BoxShadow: blur radius, offset in pixels and a colour name ("#RRGGBB", "#AARRGGBB", "black"). */
 struct ShadowData {
-    double blurRadius = 0.0;
-    int32_t xOffset = 0;
-    int32_t yOffset = 0;
-    std::string color;
+    double blurRadius = 0.0; ///< Blur radius in pixels; 0 gives a hard shadow.
+    int32_t xOffset = 0; ///< Horizontal offset in pixels, positive to the right.
+    int32_t yOffset = 0; ///< Vertical offset in pixels, positive downwards.
+    std::string color; ///< Any name QColor reads.
 };
 
 /**
@@ -45,6 +52,7 @@ public:
     BoxShadow(int border, bool smooth);
     ~BoxShadow() override;
 
+    /** Replaces the inner shadows, painted inside the widget's shape inset by the border. */
     void setInsideShadowList(std::vector<ShadowData> &&shadows);
     /** Replaces the outer shadows and recomputes the reach. */
     void setOutsideShadowList(std::vector<ShadowData> &&shadows);
@@ -55,9 +63,11 @@ public:
     /** The margin a host must leave around the widget for the outer shadows (width = x reach, height = y reach). */
     QSize necessary_indentation() const;
 
+    /** @p rect grown by the reach on every side. */
     QRectF boundingRectFor(const QRectF &rect) const override;
 
 protected:
+    /** Paints the outer shadows, the widget and then the inner shadows over it. */
     void draw(QPainter *painter) override;
 
 private:
@@ -106,8 +116,11 @@ public:
 
     /** Puts the effect on @p widget (which takes ownership of it) and lays it out centred. */
     void setWidget(QWidget *widget);
+    /** BoxShadow::setInsideShadowList() of the wrapper's effect. */
     void setInsideShadowList(std::vector<ShadowData> &&shadows);
+    /** BoxShadow::setOutsideShadowList() of the wrapper's effect; margins that follow the reach follow the new one. */
     void setOutsideShadowList(std::vector<ShadowData> &&shadows);
+    /** BoxShadow::setBorder() of the wrapper's effect. */
     void setBorder(int border);
 
 private:
@@ -121,12 +134,18 @@ private:
 
 /**
  * White panel with a soft nine-tile shadow around it; the base of the
- * library's sheets. The shadow band is kept as contents margins.
+ * library's sheets.
+ *
+ * The shadow band (22 design pixels, scaled) is always the sheet's contents
+ * margins: whatever sets other margins (Qt's own polishing included) is undone
+ * at once, so size a sheet's content, not the sheet. Its size policy is Fixed,
+ * so inside a LumoMask it keeps its own size, centred.
  */
 class LUMO_EXPORT LumoSheet : public QFrame
 {
     Q_OBJECT
 public:
+    /** An empty sheet; give it a layout or call setWidget(). */
     explicit LumoSheet(QWidget *parent);
     ~LumoSheet() override;
 
@@ -138,8 +157,11 @@ Q_SIGNALS:
     void finished(int result);
 
 protected:
+    /** Paints the shadow band and the white panel inside it. */
     void paintEvent(QPaintEvent *event) override;
+    /** Puts the shadow band back as contents margins before the sheet shows. */
     void showEvent(QShowEvent *event) override;
+    /** Paints the nine "bg_tutorial_*" tiles of the shadow band: corners as they are, edges stretched. */
     void drawShadow(QPainter &painter);
 
 private:
@@ -151,11 +173,15 @@ private:
 /**
  * Translucent layer over a whole window that dims it and centres one content
  * widget; it follows the window's size and is shown and hidden with the content.
+ *
+ * The mask is a child of the window and outlives its content: deleting the
+ * content leaves the mask hidden in the window until the window goes.
  */
 class LUMO_EXPORT LumoMask : public QFrame
 {
     Q_OBJECT
 public:
+    /** A mask over @p parent's window filled with @p color (use a translucent one) holding @p content. */
     LumoMask(QWidget *content, QWidget *parent, QColor color);
     ~LumoMask() override;
 
@@ -170,6 +196,7 @@ public:
     /** Takes the size of the top-level window. */
     void resize();
 
+    /** Follows the content: shown when it is shown, hidden when it is hidden. */
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
@@ -187,6 +214,7 @@ public:
     ParentEventFilterWidget(LumoMask *mask, QWidget *parent);
     ~ParentEventFilterWidget() override;
 
+    /** Resizes the mask on every resize of the watched window; lets every event through. */
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
@@ -201,9 +229,11 @@ class LUMO_EXPORT MouseButtonFilter : public QObject
 {
     Q_OBJECT
 public:
+    /** Install it on the widget to make deaf to the mouse buttons. */
     explicit MouseButtonFilter(QObject *parent = nullptr);
     ~MouseButtonFilter() override;
 
+    /** True (swallowed) for presses, releases and double clicks. */
     bool eventFilter(QObject *watched, QEvent *event) override;
 };
 
@@ -212,9 +242,11 @@ class LUMO_EXPORT MouseReleaseFilter : public QObject
 {
     Q_OBJECT
 public:
+    /** Install it on the widget whose releases are to be ignored. */
     explicit MouseReleaseFilter(QObject *parent = nullptr);
     ~MouseReleaseFilter() override;
 
+    /** True (swallowed) for releases. */
     bool eventFilter(QObject *watched, QEvent *event) override;
 };
 
@@ -243,9 +275,9 @@ class LumoInputSheetPrivate;
 
 /** Captions that replace a message sheet's default button texts; an empty one keeps the default. */
 struct MsgBoxCustomBtnText {
-    QString okText;
-    QString cancelText;
-    QString resetText;
+    QString okText; ///< The Ok or Apply button.
+    QString cancelText; ///< The Discard (cancel) button.
+    QString resetText; ///< The Reset button.
 };
 
 /** A word-wrapped label that always takes exactly the height its text needs at its width. */
@@ -253,10 +285,12 @@ class LUMO_EXPORT MessageLabel : public QLabel
 {
     Q_OBJECT
 public:
+    /** An empty label; turn on word wrap for the height to follow the text. */
     explicit MessageLabel(QWidget *parent = nullptr);
     ~MessageLabel() override;
 
 protected:
+    /** Fixes the height to heightForWidth() of the new width. */
     void resizeEvent(QResizeEvent *event) override;
 
 private:
@@ -268,9 +302,11 @@ class LUMO_EXPORT DialogButtonBoxStyle : public QProxyStyle
 {
     Q_OBJECT
 public:
+    /** A proxy of the application style. */
     DialogButtonBoxStyle();
     ~DialogButtonBoxStyle() override;
 
+    /** QDialogButtonBox::WinLayout for SH_DialogButtonLayout; the application style's answer otherwise. */
     int styleHint(StyleHint hint, const QStyleOption *option = nullptr, const QWidget *widget = nullptr,
                   QStyleHintReturn *returnData = nullptr) const override;
 
@@ -289,26 +325,35 @@ private:
  * or 0 for quit(). The cancelling button is always Discard. While it runs, the
  * window's close button is disabled and the user cannot close the window; if
  * the application closes or destroys the window, exec() returns 0.
+ *
+ * The sheet shows where its parent puts it: to lay it over its window, hand it
+ * to LumoMask::createMask() before exec() or showSheet(). The one-call
+ * functions below do both.
  */
 class LUMO_EXPORT LumoMessageSheet : public LumoSheet
 {
     Q_OBJECT
 public:
+    /** The icon and the buttons of the sheet. */
     enum MessageType {
-        AppNotice = 0,
-        Information = 1,
-        Warning = 2,
-        Confirm = 3,
-        ConfirmWithReset = 4,
-        Upgrading = 5,
-        WarningConfirm = 6,
-        Processing = 7
+        AppNotice = 0, ///< The application's icon ("app_img"), no buttons.
+        Information = 1, ///< "icon_information", Ok.
+        Warning = 2, ///< "icon_warning", Ok.
+        Confirm = 3, ///< "icon_question", Apply and Discard.
+        ConfirmWithReset = 4, ///< "icon_question", Apply, Discard and Reset.
+        Upgrading = 5, ///< "icon_information", Apply (captioned "wizard_client_upgrade") and Discard.
+        WarningConfirm = 6, ///< "icon_warning", Apply and Discard.
+        Processing = 7 ///< An animation, no buttons; end it with done().
     };
     Q_ENUM(MessageType)
 
+    /** A sheet of @p type showing @p text, with the button captions of @p texts; @p showIcon false hides the icon. */
     LumoMessageSheet(MessageType type, const QString &text, const MsgBoxCustomBtnText &texts, QWidget *parent, bool showIcon = true);
+    /** A sheet of @p type without text; set it with setText(). */
     LumoMessageSheet(MessageType type, QWidget *parent, bool showIcon = true);
+    /** A sheet of @p type showing @p text. */
     LumoMessageSheet(MessageType type, const QString &text, QWidget *parent, bool showIcon = true);
+    /** A sheet of @p type showing @p text and, smaller below it, @p informativeText. */
     LumoMessageSheet(MessageType type, const QString &text, const QString &informativeText, QWidget *parent, bool showIcon = true);
     /** A Processing sheet showing the animation read from @p moviePath, 32 pixels square. */
     LumoMessageSheet(const QString &text, const QString &moviePath, QWidget *parent);
@@ -318,6 +363,7 @@ public:
     void setText(const QString &text, const QString &styleSheet = QString());
     /** Sets the informative text; an existing label keeps its first style sheet. Empty text removes it. */
     void setInformativeText(const QString &text, const QString &styleSheet = QString());
+    /** Replaces the type's icon by @p pixmap; a null pixmap removes the icon column. */
     void setIcon(const QPixmap &pixmap);
     /** Re-initialises the sheet: button captions return to their defaults. */
     void setIconVisible(bool visible);
@@ -325,8 +371,10 @@ public:
     void setMessageType(MessageType type);
     /** With @p on, Apply stays disabled until the box beside @p text is ticked. Re-initialises the sheet. */
     void setDoubleConfirmCheckBox(bool on, const QString &text);
+    /** Whether exec() disables the window's close button and refuses the window system's close (default true). */
     void setBlockWindowButton(bool block);
 
+    /** The button of @p which, or null when the sheet's type has none. */
     QAbstractButton *button(QMessageBox::StandardButton which) const;
     /** Null is ignored. */
     void setDefaultButton(QPushButton *button);
@@ -337,6 +385,10 @@ public:
     void setWidth(int w);
     /** Fixed height of the content @p h plus the shadow allowance of 24, scaled. */
     void setHeight(int h);
+    /**
+     * Design pixels between the text and the informative text, the icon and the
+     * texts, the texts and the check box, and above the buttons. Lays the sheet out again.
+     */
     void setSpacing(int textSpacing, int iconSpacing, int checkBoxSpacing, int buttonBoxSpacing);
     /** Spacing between the buttons, in design pixels. */
     void setButtonBoxSpacing(int spacing);
@@ -345,18 +397,33 @@ public:
 
     /** Shows the sheet without blocking; it ends through its buttons or done(). */
     virtual void showSheet();
+    /**
+     * Shows the sheet and blocks in a local event loop until it ends; see the
+     * class description for the result. A second exec() while one runs returns 0 with a warning.
+     */
     int exec();
 
+    /**
+     * While the sheet runs, filters its window: Return, Enter and Space press
+     * Ok or Apply, Escape presses Discard, Tab stays inside the sheet, the
+     * window's shortcuts are held back; hiding the window ends the sheet with 0.
+     */
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 public Q_SLOTS:
+    /** Ends the sheet: hides it, makes exec() return @p result and emits finished(). */
     void done(int result);
+    /** done(0). */
     void quit();
+    /** Ends the sheet with the standard-button value of @p button. */
     void buttonClick(QAbstractButton *button);
+    /** Enables Apply while the double-confirm box is checked (@p state Qt::Checked). */
     void slotChangeApplyButtonStatus(int state);
 
 protected:
+    /** Builds the sheet's tab cycle: the text, the check box, Ok and Discard, in that order. */
     void showEvent(QShowEvent *event) override;
+    /** Moves the focus within the sheet's tab cycle. */
     bool focusNextPrevChild(bool next) override;
 
 private:
@@ -370,35 +437,48 @@ private:
 /**
  * A sheet asking for one line of text, with Ok and Cancel. exec() returns
  * 0x400 (Ok), 0x800000 (Discard, the cancel button) or 0 (quit(), or the
- * window closed or destroyed by the application).
+ * window closed or destroyed by the application). Like LumoMessageSheet it
+ * shows where its parent puts it: hand it to LumoMask::createMask() to lay it
+ * over its window.
  */
 class LUMO_EXPORT LumoInputSheet : public LumoSheet
 {
     Q_OBJECT
 public:
+    /** A sheet without a prompt. */
     explicit LumoInputSheet(QWidget *parent);
+    /** A sheet with the prompt @p text. */
     LumoInputSheet(const QString &text, QWidget *parent);
     ~LumoInputSheet() override;
 
     /** The prompt, shown with a scaled 20-pixel line height. */
     void setText(const QString &text);
+    /** The line edit, for a validator, a placeholder or an initial text. */
     QLineEdit *getLineEdit();
+    /** The text typed. */
     QString getContent();
 
+    /** Ok or Discard (the cancel button); null for any other value. */
     QAbstractButton *button(QMessageBox::StandardButton which) const;
     /** Null is ignored. */
     void setDefaultButton(QPushButton *button);
+    /** Whether exec() disables the window's close button and refuses the window system's close (default true). */
     void setBlockWindowButton(bool block);
 
     /** Shows the sheet without blocking and focuses the line edit. */
     virtual void showSheet();
+    /** Shows the sheet, focuses the line edit and blocks in a local event loop until it ends. */
     int exec();
 
+    /** While the sheet runs, filters its window as LumoMessageSheet::eventFilter() does. */
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 public Q_SLOTS:
+    /** Ends the sheet: hides it, makes exec() return @p result and emits finished(). */
     void done(int result);
+    /** done(0). */
     void quit();
+    /** Ends the sheet with the standard-button value of @p button. */
     void buttonClick(QAbstractButton *button);
 
 private:
@@ -413,11 +493,17 @@ private:
  * A message box whose Ok button counts down the seconds and clicks itself when
  * the count runs out. The number drops by one at the moment the box is shown,
  * so a count of 3 waits three whole seconds after showing.
+ *
+ * A count of 0 or less presses Ok as soon as the box shows, and once more a
+ * second later. The box is an ordinary QMessageBox otherwise: after
+ * setStandardButtons() the new buttons get the house look when shown, and Ok
+ * stays the default, so the countdown still ends on Ok.
  */
 class LUMO_EXPORT LumoCountdownMessageBox : public QMessageBox
 {
     Q_OBJECT
 public:
+    /** A box with Ok (counting down from @p seconds) and Discard captioned "cancel". */
     LumoCountdownMessageBox(int seconds, QWidget *parent = nullptr);
     ~LumoCountdownMessageBox() override;
 
@@ -425,9 +511,11 @@ public:
     void updateButtonText();
 
 public Q_SLOTS:
+    /** One second passed: counts down, or clicks the default button once the count is spent. */
     void slotTick();
 
 protected:
+    /** Styles the buttons, makes Ok the default if none is, takes the first step and starts the one-second timer. */
     void showEvent(QShowEvent *event) override;
 
 private:
@@ -438,7 +526,14 @@ private:
     int remainingSeconds;
 };
 
-/** Information message over @p parent's window; a plain QMessageBox titled @p title when @p parent is null. */
+/**
+ * Information message over @p parent's window; a plain QMessageBox titled
+ * @p title when @p parent is null. Blocks until the user answers.
+ *
+ * Each call lays a new LumoMask over the window and deletes the sheet when it
+ * ends; the hidden mask stays in the window until the window is destroyed.
+ * The same holds for every function below.
+ */
 LUMO_EXPORT void showInfoMsg(const QString &title, const QString &text, QWidget *parent, bool showIcon = true);
 /** Warning message; see showInfoMsg(). */
 LUMO_EXPORT void showWarningMsg(const QString &title, const QString &text, QWidget *parent, bool showIcon = true);

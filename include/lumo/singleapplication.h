@@ -1,6 +1,14 @@
 #ifndef LUMO_SINGLEAPPLICATION_H
 #define LUMO_SINGLEAPPLICATION_H
 
+/**
+ * @file
+ * Single-instance support: the first process of an application id is the
+ * running instance, later ones hand it a message (typically their command
+ * line) and exit. Source compatible with the Qt Solutions classes of the same
+ * names; the lumo/qtsingleapplication/ folder holds their header names.
+ */
+
 #include <lumo/lumo_export.h>
 
 #include <QApplication>
@@ -24,9 +32,16 @@ class LUMO_EXPORT QtLockedFile : public QFile
 {
     Q_OBJECT
 public:
-    enum LockMode { NoLock = 0, ReadLock, WriteLock };
+    /** The lock this object holds. */
+    enum LockMode {
+        NoLock = 0, ///< No lock.
+        ReadLock, ///< A shared lock.
+        WriteLock ///< An exclusive lock.
+    };
 
+    /** A file without a name; call setFileName() before open(). */
     QtLockedFile();
+    /** A file named @p name, not yet opened. */
     explicit QtLockedFile(const QString &name);
     /** Releases the lock. */
     ~QtLockedFile() override;
@@ -36,8 +51,11 @@ public:
     bool open(OpenMode mode) override;
     /** Takes or converts the lock; with @p block false it returns false at once when another process holds a conflicting lock. */
     bool lock(LockMode mode, bool block = true);
+    /** Releases the lock; true when no lock is left. False (with a warning) when the file is not open. */
     bool unlock();
+    /** True while this object holds a read or write lock. */
     bool isLocked() const;
+    /** The lock this object holds. */
     LockMode lockMode() const;
     /** Closing releases the lock, so the recorded mode goes with it. */
     void close() override;
@@ -66,9 +84,11 @@ public:
     bool isClient();
     /** Delivers @p message to the primary and waits up to @p timeout ms (negative: no limit) for its receipt. */
     bool sendMessage(const QString &message, int timeout);
+    /** The id the channel is named after: the given one, or the executable's path. */
     QString applicationId() const;
 
 Q_SIGNALS:
+    /** On the primary: a client sent @p message. Emitted after the receipt went back to the client. */
     void messageReceived(const QString &message);
 
 private:
@@ -87,6 +107,7 @@ class LUMO_EXPORT QtSingleApplication : public QApplication
 public:
     /** The id is the executable's path. @p GUIenabled is kept for source compatibility; Qt 6 always has a GUI application here. */
     QtSingleApplication(int &argc, char **argv, bool GUIenabled = true);
+    /** Instances of the same @p id find each other, whatever their executable. */
     QtSingleApplication(const QString &id, int &argc, char **argv);
     ~QtSingleApplication() override;
 
@@ -94,18 +115,26 @@ public:
     bool isRunning();
     /** Kept for source compatibility: the same as isRunning(), without its answer. */
     void initialize(bool dummy = true);
+    /** The id given to the constructor, or the executable's path. */
     QString id() const;
 
     /** The window raised by activateWindow(); with @p activateOnMessage every received message raises it. */
     void setActivationWindow(QWidget *aw, bool activateOnMessage = true);
+    /** The window set by setActivationWindow(), or null (also once it was destroyed). */
     QWidget *activationWindow() const;
 
 public Q_SLOTS:
+    /**
+     * Hands @p message (at most 1 MiB as UTF-8) to the running instance and
+     * waits up to @p timeout ms for its receipt. False, with a warning, when
+     * this is the running instance, no instance answered or the message is too large.
+     */
     bool sendMessage(const QString &message, int timeout = 5000);
     /** Brings the activation window back from minimised, raises it and gives it the focus. */
     void activateWindow();
 
 Q_SIGNALS:
+    /** A later instance sent @p message. */
     void messageReceived(const QString &message);
 
 private:
@@ -124,6 +153,7 @@ class LUMO_EXPORT QtSingleCoreApplication : public QCoreApplication
 public:
     /** The id is the executable's path. */
     QtSingleCoreApplication(int &argc, char **argv);
+    /** Instances of the same @p id find each other, whatever their executable. */
     QtSingleCoreApplication(const QString &id, int &argc, char **argv);
     ~QtSingleCoreApplication() override;
 
