@@ -134,397 +134,354 @@ struct FocusTree {
 class TestControls : public QObject
 {
     Q_OBJECT
+    QTemporaryDir userData;
 
 private Q_SLOTS:
-    void initTestCase();
-    void cleanup();
-    void buttonStyleByKind_data();
-    void buttonStyleByKind();
-    void metaTypes_data();
-    void metaTypes();
-    void iconSizeFromPixmap_data();
-    void iconSizeFromPixmap();
-    void pointerScript_data();
-    void pointerScript();
-    void menuStaysOnPrimaryScreen_data();
-    void menuStaysOnPrimaryScreen();
-    void lineEditValidateAndErrorLook();
-    void labelMinimumHeight_data();
-    void labelMinimumHeight();
-    void clickableLabelAnyButton();
-    void toolTipEscaping_data();
-    void toolTipEscaping();
-    void focusWalk_data();
-    void focusWalk();
-    void focusWalkHiddenRoots();
+    void initTestCase()
+    {
+        QVERIFY(userData.isValid());
+        testsupport::LogCatcher log;
+        testsupport::startWithDefaultTheme(userData);
+        QCOMPARE(DPIinfo::getInstance()->getDPR(), testsupport::expectedScale());
+        QVERIFY2(log.cannotWarnings().isEmpty(), qPrintable(log.cannotWarnings().join(QLatin1Char('\n'))));
+    }
 
-private:
-    QTemporaryDir userData;
-};
+    void cleanup()
+    {
+        while (QGuiApplication::overrideCursor())
+            QGuiApplication::restoreOverrideCursor();
+        QCOMPARE(QApplication::topLevelWidgets().size(), 0);
+    }
 
-void TestControls::initTestCase()
-{
-    QVERIFY(userData.isValid());
-    testsupport::LogCatcher log;
-    testsupport::startWithDefaultTheme(userData);
-    QCOMPARE(DPIinfo::getInstance()->getDPR(), testsupport::expectedScale());
-    QVERIFY2(log.cannotWarnings().isEmpty(), qPrintable(log.cannotWarnings().join(QLatin1Char('\n'))));
-}
-
-void TestControls::cleanup()
-{
-    while (QGuiApplication::overrideCursor())
-        QGuiApplication::restoreOverrideCursor();
-    QCOMPARE(QApplication::topLevelWidgets().size(), 0);
-}
-
-void TestControls::buttonStyleByKind_data()
-{
-    QTest::addColumn<int>("kind");
-    QTest::addColumn<QString>("key");
-    QTest::newRow("apply") << 0 << QStringLiteral("component.apply_button");
-    QTest::newRow("cancel") << 1 << QStringLiteral("component.cancel_button");
-    QTest::newRow("selected paging") << 2 << QStringLiteral("component.select_paging_button");
-    QTest::newRow("unselected paging") << 3 << QStringLiteral("component.nonselect_paging_button");
-    QTest::newRow("default") << 4 << QStringLiteral("component.default_button");
-    QTest::newRow("red") << 5 << QStringLiteral("component.red_button");
-    QTest::newRow("6") << 6 << QString();
-    QTest::newRow("-1") << -1 << QString();
-    QTest::newRow("int min") << std::numeric_limits<int>::min() << QString();
-}
-
-void TestControls::buttonStyleByKind()
-{
-    QFETCH(int, kind);
-    QFETCH(QString, key);
-    LumoButton button(QStringLiteral("Save"), kind);
-    QVERIFY(key.isEmpty() || !button.styleSheet().isEmpty());
-    QCOMPARE(button.styleSheet(), key.isEmpty() ? QString() : getStyleSheet(key, false));
-    // Flat and fixed whatever the kind.
-    QVERIFY(button.isFlat());
-    QCOMPARE(button.sizePolicy().horizontalPolicy(), QSizePolicy::Fixed);
-    QCOMPARE(button.sizePolicy().verticalPolicy(), QSizePolicy::Fixed);
-}
-
-void TestControls::metaTypes_data()
-{
-    QTest::addColumn<QByteArray>("name");
-    for (const char *name : {"LumoCheckBox", "LumoRadioButton", "LumoMenu", "LumoLineEdit", "LumoLabel", "LumoComboBox", "LumoTimeComboBox",
-                             "LumoButtonPath", "LumoFilterBar", "LumoVerticalScrollArea"})
-        QTest::newRow(name) << QByteArray(name);
-}
-
-void TestControls::metaTypes()
-{
-    QFETCH(QByteArray, name);
-    const QMetaType type = QMetaType::fromName(name);
-    QVERIFY(type.isValid());
-    std::unique_ptr<QWidget> widget(static_cast<QWidget *>(type.create()));
-    QCOMPARE(QByteArray(widget->metaObject()->className()), name);
-    QVERIFY(!widget->parent());
-}
-
-void TestControls::iconSizeFromPixmap_data()
-{
-    QTest::addColumn<QSize>("pixmap");
-    QTest::addColumn<QSize>("shown");
-    QTest::newRow("48x48") << QSize(48, 48) << QSize(atScale(48, 32, 24), atScale(48, 32, 24));
-    // 16.67 rounds to 17; 12.5 rounds half away from zero to 13.
-    QTest::newRow("25x25") << QSize(25, 25) << QSize(atScale(25, 17, 13), atScale(25, 17, 13));
-    QTest::newRow("3x1") << QSize(3, 1) << QSize(atScale(3, 2, 2), atScale(1, 1, 1));
-    QTest::newRow("31x20") << QSize(31, 20) << QSize(atScale(31, 21, 16), atScale(20, 13, 10));
-}
-
-void TestControls::iconSizeFromPixmap()
-{
-    QFETCH(QSize, pixmap);
-    QFETCH(QSize, shown);
-    LumoIconButton button(solid(QStringLiteral("red"), pixmap.width(), pixmap.height()));
-    button.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&button));
-    QCOMPARE(button.iconSize(), shown);
-}
-
-void TestControls::pointerScript_data()
-{
-    // Steps run on a widget in a window, "step=state" also checking the state it leaves;
-    // steps before "show" run before the window is shown. Icon buttons start red in every
-    // state, "icons:h,p,d" replacing the hover, press and disable icons; their state is the
-    // colour shown. The image button's state names the variant of its image shown. A link's
-    // state is the cursor on top of the application's override stack, "_" for underlined text.
-    QTest::addColumn<QString>("widget");
-    QTest::addColumn<QString>("script");
-    const auto row = [](const char *tag, const char *widget, const char *script) {
-        QTest::newRow(tag) << QString::fromLatin1(widget) << QString::fromLatin1(script);
-    };
-    row("icon follows the pointer; release shows normal while still hovered", "icon",
-        "icons:green,blue show=red enter=green press=blue release=red leave=red enter=green leave=red");
-    row("one image until replaced; replacements show at the next event", "icon",
-        "show=red enter=red press=red release=red icons:yellow,cyan,gray=red press=cyan release=red leave=red enter=yellow "
-        "normal=red hover=yellow disable=gray");
-    row("focus keeps hover after leave", "icon", "icons:green show=red focus enter=green leave=green unfocus enter=green leave=red");
-    row("disabled icon ignores the pointer", "icon",
-        "icons:green,blue,gray disable show=gray enter=gray press=gray release=gray leave=gray enable=red parentoff=gray");
-    row("image variants by state", "image", "show=normal enter=hover press=click release=normal disable=disable");
-    row("link keeps the application's cursor beneath", "link",
-        "show=none wait enter=hand_ leave=wait restore=none plain enter=hand leave=none");
-    // Kept on purpose: a link disabled while hovered keeps both until an enabled leave,
-    // and a disabled enter pushes nothing.
-    row("link disabled while hovered", "link", "show=none enter=hand_ disable leave=hand_ enter=hand_ enable leave=none");
-}
-
-void TestControls::pointerScript()
-{
-    QFETCH(QString, widget);
-    QFETCH(QString, script);
-    LinkLabel *link = widget == QLatin1String("link") ? new LinkLabel(QStringLiteral("Open the folder")) : nullptr;
-    LumoIconButton *button = link          ? nullptr
-        : widget == QLatin1String("image") ? new LumoIconButton(QStringLiteral("bt_pagebar_refresh"))
-                                           : new LumoIconButton(solid(QStringLiteral("red")));
-    QWidget *target = link ? static_cast<QWidget *>(link) : button;
-    target->setFocusPolicy(Qt::NoFocus);
-    PointerWindow w(target);
-    const double dpr = DPIinfo::getInstance()->getDPR();
-    QList<QImage> variants; // normal, hover, click, disable
-    for (int type = 0; widget == QLatin1String("image") && type < 4; ++type)
-        variants << getGlobalImage("bt_pagebar_refresh", ImageManager::ImageType(type)).toImage().convertToFormat(QImage::Format_ARGB32);
-    const auto state = [&]() -> QString {
-        if (link) {
-            const QCursor *top = QGuiApplication::overrideCursor();
-            const char *shape = !top                     ? "none"
-                : top->shape() == Qt::PointingHandCursor ? "hand"
-                : top->shape() == Qt::WaitCursor         ? "wait"
-                                                         : "?";
-            return QLatin1String(shape) + QLatin1String(link->font().underline() ? "_" : "");
+    // Kinds outside the table, negative ones included, leave the button unstyled.
+    void buttonStyleByKind()
+    {
+        const QStringList keys = words("apply cancel select_paging nonselect_paging default red");
+        for (int kind : {std::numeric_limits<int>::min(), -1, 0, 1, 2, 3, 4, 5, 6}) {
+            LumoButton button(QStringLiteral("Save"), kind);
+            const QString key = QStringLiteral("component.%1_button").arg(keys.value(kind));
+            QCOMPARE(button.styleSheet().isEmpty(), kind < 0 || kind >= keys.size());
+            QVERIFY2(button.styleSheet().isEmpty() || button.styleSheet() == getStyleSheet(key, false), qPrintable(key));
+            QVERIFY(button.isFlat() && button.sizePolicy() == QSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed));
         }
-        const QImage shown = button->icon().pixmap(button->iconSize(), dpr).toImage().convertToFormat(QImage::Format_ARGB32);
-        return variants.isEmpty() ? shown.pixelColor(0, 0).name()
-                                  : words("normal hover click disable ?").value(variants.indexOf(shown), QStringLiteral("?"));
-    };
-    QString arg;
-    const QHash<QString, std::function<void()>> steps {
-        {QStringLiteral("show"), [&w] { QVERIFY(w.show()); }},
-        {QStringLiteral("enter"), [&w] { QVERIFY(w.move(true)); }},
-        {QStringLiteral("leave"), [&w] { QVERIFY(w.move(false)); }},
-        {QStringLiteral("press"), [target] { QTest::mousePress(target, Qt::LeftButton); }},
-        {QStringLiteral("release"), [target] { QTest::mouseRelease(target, Qt::LeftButton); }},
-        {QStringLiteral("focus"), [target] { target->setFocus(); }},
-        {QStringLiteral("unfocus"), [target] { target->clearFocus(); }},
-        {QStringLiteral("enable"), [target] { target->setEnabled(true); }},
-        {QStringLiteral("disable"), [target] { target->setEnabled(false); }},
-        {QStringLiteral("parentoff"), [&w] { w.window.setEnabled(false); }}, // an enabled change as well
-        {QStringLiteral("normal"), [button] { button->applyNormalStyle(); }},
-        {QStringLiteral("hover"), [button] { button->applyHoverStyle(); }},
-        {QStringLiteral("wait"), [] { QGuiApplication::setOverrideCursor(Qt::WaitCursor); }},
-        {QStringLiteral("restore"), [] { QGuiApplication::restoreOverrideCursor(); }},
-        {QStringLiteral("plain"), [link] { link->setHoverUnderline(false); }},
-        {QStringLiteral("icons"),
-         [&] {
-             const QStringList colors = arg.split(QLatin1Char(','));
-             const std::array setters {&LumoIconButton::setHoverIcon, &LumoIconButton::setPressIcon, &LumoIconButton::setDisableIcon};
-             for (int i = 0; i < colors.size(); ++i)
-                 (button->*setters[i])(solid(colors[i]));
-         }},
-    };
-    for (const QString &step : script.split(QLatin1Char(' '))) {
-        const QString verb = step.section(QLatin1Char('='), 0, 0).section(QLatin1Char(':'), 0, 0);
-        const QString want = step.section(QLatin1Char('='), 1);
-        arg = step.section(QLatin1Char('='), 0, 0).section(QLatin1Char(':'), 1);
-        QVERIFY2(steps.contains(verb), qPrintable(step));
-        steps[verb]();
-        if (QTest::currentTestFailed())
-            return;
-        const QString expected = widget == QLatin1String("icon") ? QColor::fromString(want).name() : want;
-        QVERIFY2(want.isEmpty() || state() == expected, qPrintable(step + QLatin1String(" leaves ") + state()));
     }
-    if (!variants.isEmpty()) // shown at the image's size in logical pixels
-        QCOMPARE(button->iconSize(), QSize(qRound(variants[0].width() / dpr), qRound(variants[0].height() / dpr)));
-}
 
-void TestControls::menuStaysOnPrimaryScreen_data()
-{
-    QTest::addColumn<QPoint>("at");
-    QTest::addColumn<QPoint>("expected");
-    LumoMenu menu; // the one the test shows, at its natural size
-    setUpMenu(menu);
-    menu.ensurePolished();
-    menu.adjustSize();
-    const int w = menu.width();
-    const int h = menu.height();
-    const QRect a = QGuiApplication::primaryScreen()->availableGeometry();
-    const int x = a.left() + 40;
-    const int y = a.top() + 30;
-    // right() and bottom() are inclusive: a menu pushed back ends one pixel short of the edge.
-    QTest::newRow("inside") << QPoint(x, y) << QPoint(x, y);
-    QTest::newRow("left of the area goes to 0") << QPoint(a.left() - 20, y) << QPoint(0, y);
-    QTest::newRow("above the area goes to 0") << QPoint(x, a.top() - 5) << QPoint(x, 0);
-    QTest::newRow("last column on the right edge") << QPoint(a.right() - w + 1, y) << QPoint(a.right() - w, y);
-    QTest::newRow("one short of the right edge") << QPoint(a.right() - w, y) << QPoint(a.right() - w, y);
-    QTest::newRow("far right") << QPoint(a.right() + 300, y) << QPoint(a.right() - w, y);
-    QTest::newRow("below the area") << QPoint(x, a.bottom() - 2) << QPoint(x, a.bottom() - h);
-    QTest::newRow("bottom right corner") << QPoint(a.right() - 3, a.bottom() - 3) << QPoint(a.right() - w, a.bottom() - h);
-}
-
-void TestControls::menuStaysOnPrimaryScreen()
-{
-    QFETCH(QPoint, at);
-    QFETCH(QPoint, expected);
-    LumoMenu menu;
-    setUpMenu(menu);
-    menu.move(at);
-    menu.show();
-    QCOMPARE(menu.pos(), expected);
-}
-
-void TestControls::lineEditValidateAndErrorLook()
-{
-    LumoLineEdit edit;
-    QLayout *row = static_cast<QWidget &>(edit).layout();
-    QCOMPARE((WidgetList {row->itemAt(0)->widget(), row->itemAt(1)->widget(), row->itemAt(2)->widget()}),
-             (WidgetList {edit.getPreLabel(), edit.getLineEdit(), edit.getPostLabel()}));
-    QVERIFY(edit.validate()); // no validator: valid, even empty
-    edit.setValidator([](const QString &text) { return text.toInt() > 0; });
-    QVERIFY(!edit.validate());
-    QVERIFY(!edit.getLineEdit()->property("error").isValid());
-    edit.getLineEdit()->setText(QStringLiteral("42"));
-    QVERIFY(edit.validate());
-    edit.setValidator(nullptr);
-    edit.getLineEdit()->setText(QStringLiteral("x"));
-    QVERIFY(edit.validate());
-    // Margins and spacing are scaled and truncated: at 1.5, 3 gives 4 and 5 gives 7.
-    QCOMPARE(row->contentsMargins(), QMargins());
-    edit.setMargins(3, 5, 11, 0);
-    edit.setSpacing(5);
-    QCOMPARE(row->contentsMargins(), QMargins(testsupport::px(3), testsupport::px(5), testsupport::px(11), 0));
-    QCOMPARE(row->spacing(), testsupport::px(5));
-
-    // The look follows setError() at once, without any further event; validation leaves it alone.
-    edit.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&edit));
-    const QImage normal = edit.getLineEdit()->grab().toImage();
-    edit.setError(true);
-    const QImage error = edit.getLineEdit()->grab().toImage();
-    QVERIFY(error != normal);
-    edit.setError(true);
-    QCOMPARE(edit.getLineEdit()->grab().toImage(), error);
-    edit.setError(false);
-    QCOMPARE(edit.getLineEdit()->grab().toImage(), normal);
-}
-
-void TestControls::labelMinimumHeight_data()
-{
-    QTest::addColumn<bool>("wrap");
-    QTest::addColumn<QSizePolicy::Policy>("vertical");
-    QTest::addColumn<bool>("follows");
-    QTest::newRow("wrapping, minimum") << true << QSizePolicy::Minimum << true;
-    QTest::newRow("wrapping, preferred") << true << QSizePolicy::Preferred << false;
-    QTest::newRow("not wrapping, minimum") << false << QSizePolicy::Minimum << false;
-}
-
-void TestControls::labelMinimumHeight()
-{
-    QFETCH(bool, wrap);
-    QFETCH(QSizePolicy::Policy, vertical);
-    QFETCH(bool, follows);
-    LumoLabel label(QStringLiteral("A long sentence that has to wrap over several lines when the label gets narrow enough."));
-    label.setWordWrap(wrap);
-    label.setSizePolicy(QSizePolicy::Preferred, vertical);
-    label.setMinimumHeight(7);
-    label.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&label));
-    // Shrinks as well as grows: narrow first, then wide.
-    for (int width : {120, 500}) {
-        label.resize(width, label.height());
-        QCOMPARE(label.minimumHeight(), follows ? label.heightForWidth(width) : 7);
+    // Registered by name, so that a form loader can build them.
+    void metaTypes()
+    {
+        for (const char *name : {"LumoCheckBox", "LumoRadioButton", "LumoMenu", "LumoLineEdit", "LumoLabel", "LumoComboBox",
+                                 "LumoTimeComboBox", "LumoButtonPath", "LumoFilterBar", "LumoVerticalScrollArea"}) {
+            const QMetaType type = QMetaType::fromName(name);
+            QVERIFY2(type.isValid(), name);
+            std::unique_ptr<QWidget> widget(static_cast<QWidget *>(type.create()));
+            QCOMPARE(widget->metaObject()->className(), name);
+        }
     }
-    QVERIFY(!wrap || label.heightForWidth(500) < label.heightForWidth(120));
-}
 
-void TestControls::clickableLabelAnyButton()
-{
-    ClickableLabel label(QStringLiteral("Click me"));
-    label.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&label));
-    QSignalSpy clicked(&label, SIGNAL(clicked()));
-    QTest::mouseClick(&label, Qt::RightButton);
-    QTest::mouseClick(&label, Qt::MiddleButton);
-    QTest::mousePress(&label, Qt::LeftButton);
-    QCOMPARE(clicked.count(), 3); // any button, on the press
-    QTest::mouseRelease(&label, Qt::LeftButton);
-    QCOMPARE(clicked.count(), 3);
-}
+    void iconSizeFromPixmap_data()
+    {
+        QTest::addColumn<QSize>("pixmap");
+        QTest::addColumn<QSize>("shown");
+        QTest::newRow("48x48") << QSize(48, 48) << QSize(atScale(48, 32, 24), atScale(48, 32, 24));
+        // 16.67 rounds to 17; 12.5 rounds half away from zero to 13.
+        QTest::newRow("25x25") << QSize(25, 25) << QSize(atScale(25, 17, 13), atScale(25, 17, 13));
+        QTest::newRow("3x1") << QSize(3, 1) << QSize(atScale(3, 2, 2), atScale(1, 1, 1));
+        QTest::newRow("31x20") << QSize(31, 20) << QSize(atScale(31, 21, 16), atScale(20, 13, 10));
+    }
 
-void TestControls::toolTipEscaping_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("html");
-    QTest::newRow("markup, line feed, blanks") << QStringLiteral("a<b\n  c") << QStringLiteral("a&lt;b<br>  c");
-    QTest::newRow("empty") << QString() << QString();
-    QTest::newRow("carriage return stays") << QStringLiteral("x\r\ny") << QStringLiteral("x\r<br>y");
-    QTest::newRow("entities") << QStringLiteral("Tom & \"Jerry\" > 'Spike'") << QStringLiteral("Tom &amp; &quot;Jerry&quot; &gt; 'Spike'");
-    QTest::newRow("literal br is escaped") << QStringLiteral("<br>") << QStringLiteral("&lt;br&gt;");
-}
+    void iconSizeFromPixmap()
+    {
+        QFETCH(QSize, pixmap);
+        QFETCH(QSize, shown);
+        LumoIconButton button(solid(QStringLiteral("red"), pixmap.width(), pixmap.height()));
+        button.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&button));
+        QCOMPARE(button.iconSize(), shown);
+    }
 
-void TestControls::toolTipEscaping()
-{
-    QFETCH(QString, text);
-    QFETCH(QString, html);
-    QCOMPARE(getHtmlEscapedStringForToolTip(text), QStringLiteral("<p style='white-space:pre'>") + html + QStringLiteral("</p>"));
-}
+    void pointerScript_data()
+    {
+        // Steps run on a widget in a window, "step=state" also checking the state it leaves;
+        // steps before "show" run before the window is shown. Icon buttons start red in every
+        // state, "icons:h,p,d" replacing the hover, press and disable icons; their state is the
+        // colour shown. The image button's state names the variant of its image shown. A link's
+        // state is the cursor on top of the application's override stack, "_" for underlined text.
+        QTest::addColumn<QString>("widget");
+        QTest::addColumn<QString>("script");
+        const auto row = [](const char *tag, const char *widget, const char *script) {
+            QTest::newRow(tag) << QString::fromLatin1(widget) << QString::fromLatin1(script);
+        };
+        row("icon follows the pointer; release shows normal while still hovered", "icon",
+            "icons:green,blue show=red enter=green press=blue release=red leave=red enter=green leave=red");
+        row("one image until replaced; replacements show at the next event", "icon",
+            "show=red enter=red press=red release=red icons:yellow,cyan,gray=red press=cyan release=red leave=red enter=yellow "
+            "normal=red hover=yellow disable=gray");
+        row("focus keeps hover after leave", "icon", "icons:green show=red focus enter=green leave=green unfocus enter=green leave=red");
+        row("disabled icon ignores the pointer", "icon",
+            "icons:green,blue,gray disable show=gray enter=gray press=gray release=gray leave=gray enable=red parentoff=gray");
+        row("image variants by state", "image", "show=normal enter=hover press=click release=normal disable=disable");
+        row("link keeps the application's cursor beneath", "link",
+            "show=none wait enter=hand_ leave=wait restore=none plain enter=hand leave=none");
+        // Kept on purpose: a link disabled while hovered keeps both until an enabled leave,
+        // and a disabled enter pushes nothing.
+        row("link disabled while hovered", "link", "show=none enter=hand_ disable leave=hand_ enter=hand_ enable leave=none");
+    }
 
-void TestControls::focusWalk_data()
-{
-    QTest::addColumn<QString>("root");
-    QTest::addColumn<QStringList>("excluded");
-    QTest::addColumn<int>("level"); // -1: the overload taking a plain exclusion list
-    QTest::addColumn<QStringList>("listed");
-    const auto row = [](const char *tag, const char *root, const char *excluded, int level, const char *listed) {
-        QTest::newRow(tag) << QString::fromLatin1(root) << words(excluded) << level << words(listed);
-    };
-    row("list: focusable only, child order", "root", "", -1, "a frame b e f");
-    row("list: excluded keep descendants", "root", "frame e", -1, "a b f");
-    row("list: excluded root still walked", "frame", "frame", -1, "b");
-    row("list: strangers change nothing", "root", "stranger null", -1, "a frame b e f");
-    // A null root, and a hidden one whose child is not hidden itself, list nothing.
-    row("list: null root", "null", "", -1, "");
-    row("list: hidden root", "hidden", "", -1, "");
-    row("filter: null root", "null", "", Qt::NoFocus, "");
-    row("filter: hidden root", "hidden", "", Qt::NoFocus, "");
-    // With the default level every visible widget is listed, focusable or not.
-    row("filter: default", "root", "", Qt::NoFocus, "root a frame b c e f");
-    row("filter: subtree root first", "frame", "", Qt::NoFocus, "frame b c");
-    row("filter: exclusions", "root", "a frame", Qt::NoFocus, "root b c e f");
-    // Levels compare as numbers: tab focus (1) also admits click-only widgets (2).
-    row("filter: tab", "root", "b", Qt::TabFocus, "a frame e f");
-    row("filter: click", "root", "", Qt::ClickFocus, "a frame b e");
-    row("filter: strong", "root", "", Qt::StrongFocus, "a b");
-    row("filter: wheel", "root", "", Qt::WheelFocus, "a");
-}
+    void pointerScript()
+    {
+        QFETCH(QString, widget);
+        QFETCH(QString, script);
+        LinkLabel *link = widget == QLatin1String("link") ? new LinkLabel(QStringLiteral("Open the folder")) : nullptr;
+        LumoIconButton *button = link          ? nullptr
+            : widget == QLatin1String("image") ? new LumoIconButton(QStringLiteral("bt_pagebar_refresh"))
+                                               : new LumoIconButton(solid(QStringLiteral("red")));
+        QWidget *target = link ? static_cast<QWidget *>(link) : button;
+        target->setFocusPolicy(Qt::NoFocus);
+        PointerWindow w(target);
+        const double dpr = DPIinfo::getInstance()->getDPR();
+        QList<QImage> variants; // normal, hover, click, disable
+        for (int type = 0; widget == QLatin1String("image") && type < 4; ++type)
+            variants
+                << getGlobalImage("bt_pagebar_refresh", ImageManager::ImageType(type)).toImage().convertToFormat(QImage::Format_ARGB32);
+        const auto state = [&]() -> QString {
+            if (link) {
+                const QCursor *top = QGuiApplication::overrideCursor();
+                const char *shape = !top                     ? "none"
+                    : top->shape() == Qt::PointingHandCursor ? "hand"
+                    : top->shape() == Qt::WaitCursor         ? "wait"
+                                                             : "?";
+                return QLatin1String(shape) + QLatin1String(link->font().underline() ? "_" : "");
+            }
+            const QImage shown = button->icon().pixmap(button->iconSize(), dpr).toImage().convertToFormat(QImage::Format_ARGB32);
+            return variants.isEmpty() ? shown.pixelColor(0, 0).name()
+                                      : words("normal hover click disable ?").value(variants.indexOf(shown), QStringLiteral("?"));
+        };
+        QString arg;
+        const QHash<QString, std::function<void()>> steps {
+            {QStringLiteral("show"), [&w] { QVERIFY(w.show()); }},
+            {QStringLiteral("enter"), [&w] { QVERIFY(w.move(true)); }},
+            {QStringLiteral("leave"), [&w] { QVERIFY(w.move(false)); }},
+            {QStringLiteral("press"), [target] { QTest::mousePress(target, Qt::LeftButton); }},
+            {QStringLiteral("release"), [target] { QTest::mouseRelease(target, Qt::LeftButton); }},
+            {QStringLiteral("focus"), [target] { target->setFocus(); }},
+            {QStringLiteral("unfocus"), [target] { target->clearFocus(); }},
+            {QStringLiteral("enable"), [target] { target->setEnabled(true); }},
+            {QStringLiteral("disable"), [target] { target->setEnabled(false); }},
+            {QStringLiteral("parentoff"), [&w] { w.window.setEnabled(false); }}, // an enabled change as well
+            {QStringLiteral("normal"), [button] { button->applyNormalStyle(); }},
+            {QStringLiteral("hover"), [button] { button->applyHoverStyle(); }},
+            {QStringLiteral("wait"), [] { QGuiApplication::setOverrideCursor(Qt::WaitCursor); }},
+            {QStringLiteral("restore"), [] { QGuiApplication::restoreOverrideCursor(); }},
+            {QStringLiteral("plain"), [link] { link->setHoverUnderline(false); }},
+            {QStringLiteral("icons"),
+             [&] {
+                 const QStringList colors = arg.split(QLatin1Char(','));
+                 const std::array setters {&LumoIconButton::setHoverIcon, &LumoIconButton::setPressIcon, &LumoIconButton::setDisableIcon};
+                 for (int i = 0; i < colors.size(); ++i)
+                     (button->*setters[i])(solid(colors[i]));
+             }},
+        };
+        for (const QString &step : script.split(QLatin1Char(' '))) {
+            const QString verb = step.section(QLatin1Char('='), 0, 0).section(QLatin1Char(':'), 0, 0);
+            const QString want = step.section(QLatin1Char('='), 1);
+            arg = step.section(QLatin1Char('='), 0, 0).section(QLatin1Char(':'), 1);
+            QVERIFY2(steps.contains(verb), qPrintable(step));
+            steps[verb]();
+            if (QTest::currentTestFailed())
+                return;
+            const QString expected = widget == QLatin1String("icon") ? QColor::fromString(want).name() : want;
+            QVERIFY2(want.isEmpty() || state() == expected, qPrintable(step + QLatin1String(" leaves ") + state()));
+        }
+        if (!variants.isEmpty()) // shown at the image's size in logical pixels
+            QCOMPARE(button->iconSize(), QSize(qRound(variants[0].width() / dpr), qRound(variants[0].height() / dpr)));
+    }
 
-void TestControls::focusWalk()
-{
-    QFETCH(QString, root);
-    QFETCH(QStringList, excluded);
-    QFETCH(int, level);
-    QFETCH(QStringList, listed);
-    FocusTree t;
-    QWidget *start = t.pick({root}).constFirst();
-    const WidgetList got = level < 0 ? accessibleList(start, t.pick(excluded))
-                                     : accessibleList(start, AccessibleFilter(t.pick(excluded), Qt::FocusPolicy(level)));
-    QCOMPARE(FocusTree::names(got), listed);
-}
+    void menuStaysOnPrimaryScreen_data()
+    {
+        QTest::addColumn<QPoint>("at");
+        QTest::addColumn<QPoint>("expected");
+        LumoMenu menu; // the one the test shows, at its natural size
+        setUpMenu(menu);
+        menu.ensurePolished();
+        menu.adjustSize();
+        const int w = menu.width();
+        const int h = menu.height();
+        const QRect a = QGuiApplication::primaryScreen()->availableGeometry();
+        const int x = a.left() + 40;
+        const int y = a.top() + 30;
+        // right() and bottom() are inclusive: a menu pushed back ends one pixel short of the edge.
+        QTest::newRow("inside") << QPoint(x, y) << QPoint(x, y);
+        QTest::newRow("left of the area goes to 0") << QPoint(a.left() - 20, y) << QPoint(0, y);
+        QTest::newRow("above the area goes to 0") << QPoint(x, a.top() - 5) << QPoint(x, 0);
+        QTest::newRow("last column on the right edge") << QPoint(a.right() - w + 1, y) << QPoint(a.right() - w, y);
+        QTest::newRow("one short of the right edge") << QPoint(a.right() - w, y) << QPoint(a.right() - w, y);
+        QTest::newRow("far right") << QPoint(a.right() + 300, y) << QPoint(a.right() - w, y);
+        QTest::newRow("below the area") << QPoint(x, a.bottom() - 2) << QPoint(x, a.bottom() - h);
+        QTest::newRow("bottom right corner") << QPoint(a.right() - 3, a.bottom() - 3) << QPoint(a.right() - w, a.bottom() - h);
+    }
 
-void TestControls::focusWalkHiddenRoots()
-{
-    FocusTree t;
-    QVERIFY(!t.pick(words("d")).constFirst()->isHidden());
-    adjustFocusPolicy(Qt::NoFocus, t.pick(words("a b e")));
-    QCOMPARE(FocusTree::names(accessibleList(&t.root, WidgetList())), words("frame f"));
-    // A hidden window hides its whole tree, though its children are not hidden themselves.
-    t.root.hide();
-    QCOMPARE(accessibleList(&t.root, AccessibleFilter()), WidgetList());
-    QCOMPARE(accessibleList(t.pick(words("frame")).constFirst(), WidgetList()), WidgetList());
-}
+    void menuStaysOnPrimaryScreen()
+    {
+        QFETCH(QPoint, at);
+        QFETCH(QPoint, expected);
+        LumoMenu menu;
+        setUpMenu(menu);
+        menu.move(at);
+        menu.show();
+        QCOMPARE(menu.pos(), expected);
+    }
+
+    void lineEditValidateAndErrorLook()
+    {
+        LumoLineEdit edit;
+        QLayout *row = static_cast<QWidget &>(edit).layout();
+        QCOMPARE(QList<int>({row->indexOf(edit.getPreLabel()), row->indexOf(edit.getLineEdit()), row->indexOf(edit.getPostLabel())}),
+                 QList<int>({0, 1, 2}));
+        QVERIFY(edit.validate()); // no validator: valid, even empty
+        edit.setValidator([](const QString &text) { return text.toInt() > 0; });
+        QVERIFY(!edit.validate());
+        QVERIFY(!edit.getLineEdit()->property("error").isValid());
+        edit.getLineEdit()->setText(QStringLiteral("42"));
+        QVERIFY(edit.validate());
+        edit.setValidator(nullptr);
+        edit.getLineEdit()->setText(QStringLiteral("x"));
+        QVERIFY(edit.validate());
+        // Margins and spacing are scaled and truncated: at 1.5, 3 gives 4 and 5 gives 7.
+        QCOMPARE(row->contentsMargins(), QMargins());
+        edit.setMargins(3, 5, 11, 0);
+        edit.setSpacing(5);
+        QCOMPARE(row->contentsMargins(), QMargins(testsupport::px(3), testsupport::px(5), testsupport::px(11), 0));
+        QCOMPARE(row->spacing(), testsupport::px(5));
+
+        // The look follows setError() at once, without any further event; validation leaves it alone.
+        edit.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&edit));
+        const QImage normal = edit.getLineEdit()->grab().toImage();
+        edit.setError(true);
+        const QImage error = edit.getLineEdit()->grab().toImage();
+        QVERIFY(error != normal);
+        edit.setError(true);
+        QCOMPARE(edit.getLineEdit()->grab().toImage(), error);
+        edit.setError(false);
+        QCOMPARE(edit.getLineEdit()->grab().toImage(), normal);
+    }
+
+    void labelMinimumHeight_data()
+    {
+        QTest::addColumn<bool>("wrap");
+        QTest::addColumn<QSizePolicy::Policy>("vertical");
+        QTest::addColumn<bool>("follows");
+        QTest::newRow("wrapping, minimum") << true << QSizePolicy::Minimum << true;
+        QTest::newRow("wrapping, preferred") << true << QSizePolicy::Preferred << false;
+        QTest::newRow("not wrapping, minimum") << false << QSizePolicy::Minimum << false;
+    }
+
+    void labelMinimumHeight()
+    {
+        QFETCH(bool, wrap);
+        QFETCH(QSizePolicy::Policy, vertical);
+        QFETCH(bool, follows);
+        LumoLabel label(QStringLiteral("A long sentence that has to wrap over several lines when the label gets narrow enough."));
+        label.setWordWrap(wrap);
+        label.setSizePolicy(QSizePolicy::Preferred, vertical);
+        label.setMinimumHeight(7);
+        label.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&label));
+        // Shrinks as well as grows: narrow first, then wide.
+        for (int width : {120, 500}) {
+            label.resize(width, label.height());
+            QCOMPARE(label.minimumHeight(), follows ? label.heightForWidth(width) : 7);
+        }
+        QVERIFY(!wrap || label.heightForWidth(500) < label.heightForWidth(120));
+    }
+
+    void clickableLabelAnyButton()
+    {
+        ClickableLabel label(QStringLiteral("Click me"));
+        label.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&label));
+        QSignalSpy clicked(&label, SIGNAL(clicked()));
+        QTest::mouseClick(&label, Qt::RightButton);
+        QTest::mouseClick(&label, Qt::MiddleButton);
+        QTest::mousePress(&label, Qt::LeftButton);
+        QCOMPARE(clicked.count(), 3); // any button, on the press
+        QTest::mouseRelease(&label, Qt::LeftButton);
+        QCOMPARE(clicked.count(), 3);
+    }
+
+    void toolTipEscaping_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("html");
+        QTest::newRow("markup, line feed, blanks") << QStringLiteral("a<b\n  c") << QStringLiteral("a&lt;b<br>  c");
+        QTest::newRow("empty") << QString() << QString();
+        QTest::newRow("carriage return stays") << QStringLiteral("x\r\ny") << QStringLiteral("x\r<br>y");
+        QTest::newRow("entities") << QStringLiteral("Tom & \"Jerry\" > 'Spike'")
+                                  << QStringLiteral("Tom &amp; &quot;Jerry&quot; &gt; 'Spike'");
+        QTest::newRow("literal br is escaped") << QStringLiteral("<br>") << QStringLiteral("&lt;br&gt;");
+    }
+
+    void toolTipEscaping()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, html);
+        QCOMPARE(getHtmlEscapedStringForToolTip(text), QStringLiteral("<p style='white-space:pre'>") + html + QStringLiteral("</p>"));
+    }
+
+    void focusWalk_data()
+    {
+        QTest::addColumn<QString>("root");
+        QTest::addColumn<QStringList>("excluded");
+        QTest::addColumn<int>("level"); // -1: the overload taking a plain exclusion list
+        QTest::addColumn<QStringList>("listed");
+        const auto row = [](const char *tag, const char *root, const char *excluded, int level, const char *listed) {
+            QTest::newRow(tag) << QString::fromLatin1(root) << words(excluded) << level << words(listed);
+        };
+        row("list: focusable only, child order", "root", "", -1, "a frame b e f");
+        row("list: excluded keep descendants", "root", "frame e", -1, "a b f");
+        row("list: excluded root still walked", "frame", "frame", -1, "b");
+        row("list: strangers change nothing", "root", "stranger null", -1, "a frame b e f");
+        // A null root, and a hidden one whose child is not hidden itself, list nothing.
+        row("list: null root", "null", "", -1, "");
+        row("list: hidden root", "hidden", "", -1, "");
+        row("filter: null root", "null", "", Qt::NoFocus, "");
+        row("filter: hidden root", "hidden", "", Qt::NoFocus, "");
+        // With the default level every visible widget is listed, focusable or not.
+        row("filter: default", "root", "", Qt::NoFocus, "root a frame b c e f");
+        row("filter: subtree root first", "frame", "", Qt::NoFocus, "frame b c");
+        row("filter: exclusions", "root", "a frame", Qt::NoFocus, "root b c e f");
+        // Levels compare as numbers: tab focus (1) also admits click-only widgets (2).
+        row("filter: tab", "root", "b", Qt::TabFocus, "a frame e f");
+        row("filter: click", "root", "", Qt::ClickFocus, "a frame b e");
+        row("filter: strong", "root", "", Qt::StrongFocus, "a b");
+        row("filter: wheel", "root", "", Qt::WheelFocus, "a");
+    }
+
+    void focusWalk()
+    {
+        QFETCH(QString, root);
+        QFETCH(QStringList, excluded);
+        QFETCH(int, level);
+        QFETCH(QStringList, listed);
+        FocusTree t;
+        QWidget *start = t.pick({root}).constFirst();
+        const WidgetList got = level < 0 ? accessibleList(start, t.pick(excluded))
+                                         : accessibleList(start, AccessibleFilter(t.pick(excluded), Qt::FocusPolicy(level)));
+        QCOMPARE(FocusTree::names(got), listed);
+    }
+
+    void focusWalkHiddenRoots()
+    {
+        FocusTree t;
+        QVERIFY(!t.pick(words("d")).constFirst()->isHidden());
+        adjustFocusPolicy(Qt::NoFocus, t.pick(words("a b e")));
+        QCOMPARE(FocusTree::names(accessibleList(&t.root, WidgetList())), words("frame f"));
+        // A hidden window hides its whole tree, though its children are not hidden themselves.
+        t.root.hide();
+        QCOMPARE(accessibleList(&t.root, AccessibleFilter()), WidgetList());
+        QCOMPARE(accessibleList(t.pick(words("frame")).constFirst(), WidgetList()), WidgetList());
+    }
+};
 
 QTEST_MAIN(TestControls)
 #include "tst_controls.moc"

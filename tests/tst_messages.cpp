@@ -22,15 +22,7 @@ constexpr int Hung = -999; // the watchdog's code: the sheet did not end by itse
 constexpr int StillOpen = 77; // the action left the sheet running; it was then ended with this code
 constexpr int InputSheet = -1; // in the "type" column: the input sheet
 
-double dpi()
-{
-    return DPIinfo::getInstance()->getDPI();
-}
-
-int px(double v)
-{
-    return int(dpi() * v);
-}
+using testsupport::px;
 
 QString str(const char *s)
 {
@@ -71,6 +63,24 @@ template<typename Sheet> int execWith(Sheet *sheet, const std::function<void()> 
     watchdog.start(10000);
     return sheet->exec();
 }
+
+// Runs @p action on the modal message box once the coming exec() shows it.
+void whenModal(const std::function<void(QMessageBox *)> &action)
+{
+    QTimer::singleShot(0, qApp, [action] {
+        if (auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget()))
+            action(box);
+    });
+}
+
+// Asks for icons on dialog buttons, as some platforms (X11 desktops) do.
+class IconStyle : public QProxyStyle
+{
+    int styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget, QStyleHintReturn *data) const override
+    {
+        return hint == SH_DialogButtonBox_ButtonsHaveIcons ? 1 : QProxyStyle::styleHint(hint, option, widget, data);
+    }
+};
 
 // A key as the user types it: to the focused widget, from where it propagates.
 void typeKey(QWidget *window, Qt::Key key)
@@ -157,7 +167,8 @@ private Q_SLOTS:
         QVERIFY(userData.isValid());
         testsupport::startWithDefaultTheme(userData);
         QApplication::setQuitOnLastWindowClosed(false);
-        QCOMPARE(dpi(), testsupport::expectedScale());
+        QApplication::setStyle(new IconStyle);
+        QCOMPARE(DPIinfo::getInstance()->getDPI(), testsupport::expectedScale());
     }
 
     void cleanup()
@@ -298,7 +309,7 @@ private Q_SLOTS:
         QFETCH(int, parentWidth);
         QFETCH(int, sheetWidth);
         QWidget parent;
-        parent.resize(qCeil(dpi() * parentWidth), 400); // logical width parentWidth (up to one device pixel more)
+        parent.resize(qCeil(testsupport::expectedScale() * parentWidth), 400); // logical width parentWidth (up to one device pixel more)
         QWidget *sheet = input ? static_cast<QWidget *>(new LumoInputSheet(str("Name"), &parent))
                                : new LumoMessageSheet(LumoMessageSheet::Information, str("Text"), &parent);
         QCOMPARE(sheet->width(), px(sheetWidth));
@@ -307,23 +318,23 @@ private Q_SLOTS:
 
     void layoutMargins_data()
     {
-        QTest::addColumn<QList<int>>("given");
-        QTest::addColumn<QList<int>>("design");
-        QTest::newRow("allowance subtracted") << QList<int> {5, 30, 10, 12} << QList<int> {0, 20, 0, 2};
-        QTest::newRow("all at the allowance") << QList<int> {10, 10, 10, 10} << QList<int> {0, 0, 0, 0};
-        QTest::newRow("negative and large") << QList<int> {-50, 11, 110, 9} << QList<int> {0, 1, 100, 0};
-        QTest::newRow("odd at 1.5") << QList<int> {13, 15, 17, 19} << QList<int> {3, 5, 7, 9};
+        QTest::addColumn<QMargins>("given");
+        QTest::addColumn<QMargins>("design"); // scaled and truncated: odd ones differ at 1.5
+        QTest::newRow("allowance subtracted") << QMargins(5, 30, 10, 12) << QMargins(0, 20, 0, 2);
+        QTest::newRow("all at the allowance") << QMargins(10, 10, 10, 10) << QMargins(0, 0, 0, 0);
+        QTest::newRow("negative and large") << QMargins(-50, 11, 110, 9) << QMargins(0, 1, 100, 0);
+        QTest::newRow("odd at 1.5") << QMargins(13, 15, 17, 19) << QMargins(3, 5, 7, 9);
     }
 
     void layoutMargins()
     {
-        QFETCH(QList<int>, given);
-        QFETCH(QList<int>, design);
+        QFETCH(QMargins, given);
+        QFETCH(QMargins, design);
         QWidget parent;
         LumoMessageSheet sheet(LumoMessageSheet::Information, str("Text"), &parent);
         QCOMPARE(sheet.layout()->contentsMargins(), QMargins(px(20), px(20), px(20), px(10)));
-        sheet.setLayoutMargins(given[0], given[1], given[2], given[3]);
-        QCOMPARE(sheet.layout()->contentsMargins(), QMargins(px(design[0]), px(design[1]), px(design[2]), px(design[3])));
+        sheet.setLayoutMargins(given.left(), given.top(), given.right(), given.bottom());
+        QCOMPARE(sheet.layout()->contentsMargins(), QMargins(px(design.left()), px(design.top()), px(design.right()), px(design.bottom())));
     }
 
     void buttonsAndSizes()
@@ -409,7 +420,6 @@ private Q_SLOTS:
         auto *box = sheet->findChild<QCheckBox *>(str("messageSheetCheckBox"));
         auto *label = sheet->findChild<ClickableLabel *>(str("messageSheetCheckBoxLabel"));
         QVERIFY(box && label && !apply->isEnabled());
-        QCOMPARE(label->text(), str("I understand"));
         QSignalSpy finished(sheet, SIGNAL(finished(int)));
         QList<bool> states;
         QCOMPARE(execWith(sheet,
@@ -445,7 +455,7 @@ private Q_SLOTS:
         LumoMessageSheet sheet(str("Working"), path, &parent);
         QCOMPARE(log.warnings(), QStringList(str("Cannot read the animation \"%1\"").arg(path)));
         QVERIFY(sheet.findChild<QDialogButtonBox *>()->buttons().isEmpty());
-        QCOMPARE(sheet.findChild<QLabel *>(str("messageSheetIcon"))->movie()->scaledSize(), QSize(qRound(dpi() * 32), qRound(dpi() * 32)));
+        QCOMPARE(sheet.findChild<QLabel *>(str("messageSheetIcon"))->movie()->scaledSize(), QSize(px(32), px(32)));
     }
 
     // Without a parent the one-call functions show a plain QMessageBox.
@@ -454,17 +464,21 @@ private Q_SLOTS:
         QTest::addColumn<QString>("function");
         QTest::addColumn<bool>("showIcon");
         QTest::addColumn<int>("click");
-        QTest::addColumn<int>("expected");
-        QTest::addColumn<QString>("shown"); // icon, style, button captions in standard-button order
-        const int cancel = QMessageBox::Cancel;
-        QTest::newRow("info") << "info" << true << Ok << -1 << "Information info OK";
-        QTest::newRow("info without icon") << "info" << false << Ok << -1 << "NoIcon info OK";
-        QTest::newRow("warning") << "warning" << true << Ok << -1 << "Warning warning OK";
-        QTest::newRow("warning informative") << "warningInformative" << true << Ok << -1 << "Warning warning OK";
-        QTest::newRow("upgrading") << "upgrading" << true << Ok << -1 << "Warning upgrading OK";
-        QTest::newRow("confirm yes") << "confirm" << true << Apply << Apply << "Question confirm Cancel OK";
-        QTest::newRow("confirm no") << "confirm" << true << cancel << cancel << "Question confirm Cancel OK";
-        QTest::newRow("custom yes") << "custom" << false << Apply << Apply << "NoIcon confirm Stop Go";
+        QTest::addColumn<int>("result");
+        QTest::addColumn<QMessageBox::Icon>("icon");
+        QTest::addColumn<QString>("look");
+        QTest::addColumn<QStringList>("captions"); // in standard-button order
+        using B = QMessageBox;
+        const QStringList ok {str("OK")}, cancelOk {str("Cancel"), str("OK")};
+        QTest::newRow("info") << "info" << true << Ok << -1 << B::Information << "info" << ok;
+        QTest::newRow("info without icon") << "info" << false << Ok << -1 << B::NoIcon << "info" << ok;
+        QTest::newRow("warning") << "warning" << true << Ok << -1 << B::Warning << "warning" << ok;
+        QTest::newRow("warning informative") << "warningInformative" << true << Ok << -1 << B::Warning << "warning" << ok;
+        QTest::newRow("upgrading") << "upgrading" << true << Ok << -1 << B::Warning << "upgrading" << ok;
+        QTest::newRow("confirm yes") << "confirm" << true << Apply << Apply << B::Question << "confirm" << cancelOk;
+        QTest::newRow("confirm no") << "confirm" << true << int(B::Cancel) << int(B::Cancel) << B::Question << "confirm" << cancelOk;
+        QTest::newRow("custom yes") << "custom" << false << Apply << Apply << B::NoIcon << "confirm"
+                                    << QStringList({str("Stop"), str("Go")});
     }
 
     void fallbackMessageBoxes()
@@ -472,66 +486,45 @@ private Q_SLOTS:
         QFETCH(QString, function);
         QFETCH(bool, showIcon);
         QFETCH(int, click);
-        QFETCH(int, expected);
-        QFETCH(QString, shown);
+        QFETCH(QString, look);
+        QFETCH(QStringList, captions);
+        QMessageBox::Icon icon = QMessageBox::NoIcon;
         QStringList seen;
-        QTimer poll;
-        connect(&poll, &QTimer::timeout, this, [&] {
-            auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-            if (!box || !box->isVisible())
-                return;
-            poll.stop();
+        whenModal([&](QMessageBox *box) {
             QMap<int, QString> buttons;
             for (QAbstractButton *b : box->buttons())
-                buttons.insert(box->standardButton(b), b->text());
-            seen << box->windowTitle() << box->text() << box->informativeText()
-                 << QString::fromLatin1(QMetaEnum::fromType<QMessageBox::Icon>().valueToKey(box->icon())) << box->styleSheet()
-                 << QStringList(buttons.values()).join(QLatin1Char(' '));
-            if (QAbstractButton *target = box->button(QMessageBox::StandardButton(click)))
-                QTest::mouseClick(target, Qt::LeftButton);
-            else
-                box->done(Hung);
+                buttons.insert(box->standardButton(b), b->icon().isNull() ? b->text() : b->text() + str(" with an icon"));
+            icon = box->icon();
+            seen << box->windowTitle() << box->text() << box->informativeText() << box->styleSheet() << buttons.values();
+            QTest::mouseClick(box->button(QMessageBox::StandardButton(click)), Qt::LeftButton);
         });
-        poll.start(10);
-
         const QString title = str("Title"), text = str("Text"), details = str("Details");
-        const QByteArray f = function.toLatin1();
         int result = -1;
-        if (f == "info")
+        if (function == QLatin1String("info"))
             showInfoMsg(title, text, nullptr, showIcon);
-        else if (f == "warning")
+        else if (function == QLatin1String("warning"))
             showWarningMsg(title, text, nullptr, showIcon);
-        else if (f == "warningInformative")
+        else if (function == QLatin1String("warningInformative"))
             showWarningMsg(title, text, details, nullptr, showIcon);
-        else if (f == "upgrading")
+        else if (function == QLatin1String("upgrading"))
             showUpgradingMsg(title, text, nullptr, showIcon);
-        else if (f == "confirm")
+        else if (function == QLatin1String("confirm"))
             result = showConfirmMsg(title, text, nullptr, showIcon);
         else
             result = showConfirmMsgCustomBtn(title, text, MsgBoxCustomBtnText {str("Go"), str("Stop"), QString()}, nullptr, showIcon);
-        QCOMPARE(result, expected);
-        const QStringList parts = shown.split(QLatin1Char(' '));
+        QTEST(result, "result");
+        QTEST(icon, "icon");
         QCOMPARE(seen,
-                 QStringList({title, text, f == "warningInformative" ? details : QString(), parts[0],
-                              getStyleSheet(str("component.%1_message_box").arg(parts[1]), false), parts.mid(2).join(QLatin1Char(' '))}));
+                 QStringList({title, text, function == QLatin1String("warningInformative") ? details : QString(),
+                              getStyleSheet(str("component.%1_message_box").arg(look), false)}) +
+                     captions);
     }
 
-    // Some platforms (X11 desktops) ask for icons on dialog buttons; no Lumo button shows one,
+    // The style of this program asks for icons on dialog buttons, as X11 desktops do; no Lumo button shows one,
     // and buttons a caller puts on the countdown box take the box's look.
     void buttonsWithoutPlatformIcons()
     {
-        class IconStyle : public QProxyStyle
-        {
-            int styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget, QStyleHintReturn *data) const override
-            {
-                return hint == SH_DialogButtonBox_ButtonsHaveIcons ? 1 : QProxyStyle::styleHint(hint, option, widget, data);
-            }
-        };
-        struct Restore {
-            const QString style = QApplication::style()->name();
-            ~Restore() { QApplication::setStyle(style); }
-        } restore;
-        QApplication::setStyle(new IconStyle);
+        QVERIFY(!QDialogButtonBox(QDialogButtonBox::Ok).button(QDialogButtonBox::Ok)->icon().isNull());
         auto window = makeWindow();
         auto *input = over(window.get(), new LumoInputSheet(str("Name"), window.get()));
         auto *sheet = confirmOver(window.get());
@@ -542,20 +535,11 @@ private Q_SLOTS:
         sheet->showSheet();
         box.show();
         replaced.show();
-        QList<QAbstractButton *> buttons =
+        const QList<QAbstractButton *> buttons =
             input->findChildren<QAbstractButton *>() + sheet->findChildren<QAbstractButton *>() + box.buttons() + replaced.buttons();
-        QStringList withIcons;
-        QTimer::singleShot(0, this, [&] { // the message box of a call without parent
-            if (auto *fallback = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
-                buttons += fallback->buttons();
-                for (QAbstractButton *button : buttons)
-                    withIcons << (button->icon().isNull() ? QString() : button->text());
-                fallback->done(0);
-            }
-        });
-        showConfirmMsg(str("Title"), str("Text"), nullptr, true);
-        QCOMPARE(buttons.size(), 10);
-        QCOMPARE(withIcons, QStringList(10, QString()));
+        QCOMPARE(buttons.size(), 8);
+        for (QAbstractButton *button : buttons)
+            QVERIFY2(button->icon().isNull(), qPrintable(button->text()));
         QCOMPARE(replaced.button(QMessageBox::Ok)->styleSheet(), getStyleSheet("component.apply_button", false));
         QCOMPARE(replaced.button(QMessageBox::Cancel)->styleSheet(), getStyleSheet("component.cancel_button", false));
     }
@@ -578,7 +562,6 @@ private Q_SLOTS:
         box.slotTick(); // the count has run out: Ok is clicked
         QTRY_COMPARE(clicked.count(), 1);
         QCOMPARE(clicked.at(0).at(0).value<QAbstractButton *>(), ok);
-        QCOMPARE(ok->text(), str("OK(0)"));
         QVERIFY(!box.isVisible());
     }
 

@@ -61,6 +61,17 @@ QImage renderShadow(int border, bool smooth, Shadows outside, Shadows inside, in
     return window->grab().toImage();
 }
 
+// @p widget alone, on a transparent background.
+QImage renderAlone(QWidget *widget)
+{
+    const qreal ratio = widget->devicePixelRatioF();
+    QImage image(widget->size() * ratio, QImage::Format_ARGB32);
+    image.setDevicePixelRatio(ratio);
+    image.fill(Qt::transparent);
+    widget->render(&image, QPoint(), QRegion(), QWidget::RenderFlags());
+    return image;
+}
+
 // Records the mouse button events that reach it.
 class Recorder : public QWidget
 {
@@ -143,23 +154,17 @@ private Q_SLOTS:
         BoxShadowWrapper wrapper(nullptr, 2, custom, margins, true);
         QLayout *box = wrapper.layout();
         QCOMPARE(box->contentsMargins(), expected);
-        QCOMPARE(box->alignment(), Qt::AlignCenter);
         auto *child = new QWidget;
         wrapper.setWidget(child);
         QVERIFY(qobject_cast<BoxShadow *>(child->graphicsEffect()));
         wrapper.setOutsideShadowList({{2.6, -3, 5, "black"}});
         QCOMPARE(box->contentsMargins(), followsReach ? QMargins(8, 10, 8, 10) : expected);
-    }
-
-    void wrapperWithoutWidgetReleasesEffect()
-    {
-        // Nothing owns the effect until a widget takes it; the sanitizer build reports a leak otherwise.
-        auto *wrapper = new BoxShadowWrapper(nullptr, 0, false, {}, false);
-        wrapper->setOutsideShadowList({{3.0, 1, 1, "black"}});
-        delete wrapper;
+        // Nothing owns the effect of a wrapper that never gets a widget; the sanitizer run reports a leak otherwise.
+        BoxShadowWrapper(nullptr, 0, custom, margins, false).setOutsideShadowList({{3.0, 1, 1, "black"}});
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
 
+    // Shown and hidden with its content (the sheets' result-code tests watch that); sized to the window.
     void maskCoversWindowAndFollowsIt()
     {
         auto window = makeWindow();
@@ -170,50 +175,18 @@ private Q_SLOTS:
         auto *panel = new QWidget(window.get());
         panel->setGeometry(10, 10, 100, 80);
         panel->show();
-        auto *inPanel = new QWidget(panel);
+        auto *content = new QWidget(panel);
+        content->setFixedSize(100, 60);
         // Without a parent the content's own parent is used, yet the mask covers the whole window.
-        QCOMPARE(LumoMask::createMask(inPanel, nullptr, veil), inPanel);
-        QWidget *panelMask = inPanel->parentWidget();
-        QCOMPARE(panelMask->parentWidget(), panel);
-        QCOMPARE(panelMask->size(), QSize(400, 300));
-        panelMask->setFixedSize(10, 10);
-        panel->resize(90, 70); // the watched parent's resize brings back the window's size
-        QCOMPARE(panelMask->size(), QSize(400, 300));
-
-        auto *sheet = new QWidget(window.get());
-        LumoMask::createMask(sheet, window.get(), veil);
-        QWidget *mask = sheet->parentWidget();
+        QCOMPARE(LumoMask::createMask(content, nullptr, veil), content);
+        QWidget *mask = content->parentWidget();
+        QCOMPARE(mask->parentWidget(), panel);
+        content->show();
+        QCOMPARE(mask->size(), QSize(400, 300));
+        QCOMPARE(greyAt(window->grab().toImage(), 20, 20), 235); // white under a black veil of alpha 20
         window->resize(500, 360);
+        panel->resize(90, 70); // the watched parent's resize brings back the window's size
         QTRY_COMPARE(mask->size(), QSize(500, 360));
-    }
-
-    void maskShownAndHiddenWithContentAndStacked()
-    {
-        auto window = makeWindow();
-        auto *first = new QWidget(window.get());
-        first->setFixedSize(100, 60);
-        auto *second = new QWidget(window.get());
-        second->setFixedSize(80, 40);
-        QCOMPARE(LumoMask::createMask(first, window.get(), veil), first);
-        QCOMPARE(LumoMask::createMask(second, window.get(), veil), second);
-        QWidget *lower = first->parentWidget();
-        QWidget *upper = second->parentWidget();
-        QVERIFY(!lower->isVisible());
-
-        first->show();
-        QVERIFY(lower->isVisible());
-        QCOMPARE(first->geometry().center(), lower->rect().center());
-        QCOMPARE(greyAt(window->grab().toImage(), 2, 2), 235); // white under a black veil of alpha 20
-
-        second->show();
-        QVERIFY(upper->isVisible());
-        QVERIFY(window->children().indexOf(upper) > window->children().indexOf(lower));
-        QCOMPARE(window->childAt(2, 2), upper);
-        QVERIFY(greyAt(window->grab().toImage(), 2, 2) < 235); // the veils add up
-
-        first->hide();
-        QVERIFY(!lower->isVisible());
-        QVERIFY(upper->isVisible());
     }
 
     void shadowsPaintWhereDesigned_data()
@@ -353,87 +326,70 @@ private Q_SLOTS:
         QCOMPARE(filtered->seen, expected);
     }
 
-    void sheetPaintsBandAndWhiteInterior()
+    void sheetBand_data()
     {
-        const QMap<double, int> margins {{1.0, 22}, {1.5, 33}, {2.0, 44}}; // 22 x scale, truncated
-        const int m = margins.value(testsupport::expectedScale());
-        auto window = makeWindow(QSize(500, 400));
+        QTest::addColumn<bool>("masked");
+        QTest::newRow("over a mask") << true;
+        QTest::newRow("without a mask") << false;
+    }
+
+    // Re-parenting, polishing and restyling reset a frame's margins; the shadow band stays in every state.
+    void sheetBand()
+    {
+        QFETCH(bool, masked);
+        const int m = int(22 * testsupport::expectedScale());
+        const QMargins band(m, m, m, m);
+        auto window = makeWindow(QSize(1200, 800));
         auto *sheet = new LumoSheet(window.get());
-        QCOMPARE(sheet->contentsMargins(), QMargins(m, m, m, m));
+        QCOMPARE(sheet->contentsMargins(), band);
         auto *body = new QWidget;
         body->setFixedSize(200, 120);
         sheet->setWidget(body);
-        LumoMask::createMask(sheet, window.get(), veil);
-        sheet->show(); // re-parenting and polishing reset a frame's margins; showing restores the band
-        QCOMPARE(sheet->contentsMargins(), QMargins(m, m, m, m));
-        const QMargins layout = sheet->layout()->contentsMargins(); // the style's, left as they are
-        QTRY_COMPARE(sheet->size(), QSize(200, 120).grownBy(layout + QMargins(m, m, m, m)));
-        QCOMPARE(sheet->geometry().center(), sheet->parentWidget()->rect().center());
+        if (masked)
+            LumoMask::createMask(sheet, window.get(), veil);
+        sheet->show();
+        sheet->setStyleSheet(QStringLiteral("QWidget { color: red; }"));
+        QCOMPARE(sheet->contentsMargins(), band);
+        QTRY_COMPARE(sheet->size(), body->size().grownBy(sheet->layout()->contentsMargins() + band));
+        QVERIFY(!masked || sheet->geometry().center() == sheet->parentWidget()->rect().center());
 
-        // Rendered without a background: the band's pixels are the tiles' own.
-        QImage image(sheet->size() * window->devicePixelRatioF(), QImage::Format_ARGB32);
-        image.setDevicePixelRatio(window->devicePixelRatioF());
-        image.fill(Qt::transparent);
-        sheet->render(&image, QPoint(), QRegion(), QWidget::RenderFlags());
+        // Rendered without a background: the band's pixels are the tiles' own, fading outward.
+        const QImage image = renderAlone(sheet);
         const int y = sheet->height() / 2;
-        auto pixelAt = [&](int x) {
+        const auto pixelAt = [&](int x) {
             return image.pixel(int((x + 0.5) * image.devicePixelRatio()), int((y + 0.5) * image.devicePixelRatio()));
         };
-        auto alphaAt = [&](int x) { return qAlpha(pixelAt(x)); };
         for (int x : {m, sheet->width() / 2, sheet->width() - m - 1})
             QCOMPARE(pixelAt(x), qRgb(255, 255, 255)); // opaque white
-        QVERIFY(alphaAt(m - 1) > 0 && alphaAt(m - 1) < 255);
-        QVERIFY(alphaAt(sheet->width() - m) > 0 && alphaAt(sheet->width() - m) < 255);
-        QVERIFY(alphaAt(m / 2) < alphaAt(m - 1)); // fading outward
+        for (int x : {m - 1, sheet->width() - m})
+            QVERIFY(qAlpha(pixelAt(x)) > 0 && qAlpha(pixelAt(x)) < 255);
+        QVERIFY(qAlpha(pixelAt(m / 2)) < qAlpha(pixelAt(m - 1)));
+
+        // An input sheet shown without a mask has its buttons inside the band.
+        auto *input = new LumoInputSheet(QStringLiteral("Name"), window.get());
+        input->showSheet();
+        QVERIFY(input->rect().marginsRemoved(band).contains(input->findChild<QDialogButtonBox *>()->geometry()));
     }
 
     void sheetBandFromCacheMatchesUncached()
     {
         auto window = makeWindow(QSize(500, 400));
         auto *sheet = new LumoSheet(window.get());
-        auto render = [&] {
-            QImage image(sheet->size() * window->devicePixelRatioF(), QImage::Format_ARGB32);
-            image.setDevicePixelRatio(window->devicePixelRatioF());
-            image.fill(Qt::transparent);
-            sheet->render(&image, QPoint(), QRegion(), QWidget::RenderFlags());
-            return image;
-        };
         const QList<QSize> sizes {{260, 180}, {331, 203}, {260, 180}};
         QList<QImage> cached; // each size painted twice: stretching and keeping, then reusing
         for (QSize size : sizes) {
             sheet->resize(size);
-            cached << render() << render();
+            cached << renderAlone(sheet) << renderAlone(sheet);
         }
         const int limit = QPixmapCache::cacheLimit();
         QPixmapCache::setCacheLimit(0); // empties the cache and keeps nothing: every tile is stretched anew
         for (qsizetype i = 0; i < sizes.size(); ++i) {
             sheet->resize(sizes[i]);
-            const QImage uncached = render();
+            const QImage uncached = renderAlone(sheet);
             QCOMPARE(cached[2 * i], uncached);
             QCOMPARE(cached[2 * i + 1], uncached);
         }
         QPixmapCache::setCacheLimit(limit);
-    }
-
-    // Polished, sized or restyled outside a mask, a sheet still keeps its band around the content.
-    void bandKeptWithoutMask()
-    {
-        const int m = int(22 * testsupport::expectedScale());
-        const QMargins band(m, m, m, m);
-        auto window = makeWindow(QSize(1200, 800));
-        auto *sheet = new LumoSheet(window.get());
-        auto *body = new QWidget;
-        body->setFixedSize(200, 120);
-        sheet->setWidget(body); // sized (and polished) before it is shown
-        sheet->show();
-        QCOMPARE(sheet->size(), body->size().grownBy(sheet->layout()->contentsMargins() + band));
-        sheet->setStyleSheet(QStringLiteral("QWidget { color: red; }"));
-        QCOMPARE(sheet->contentsMargins(), band);
-
-        auto *input = new LumoInputSheet(QStringLiteral("Name"), window.get());
-        input->showSheet();
-        const QRect interior = input->rect().marginsRemoved(band);
-        QVERIFY(interior.contains(input->findChild<QDialogButtonBox *>(QStringLiteral("inputSheetButtonBox"))->geometry()));
     }
 
 private:
