@@ -424,6 +424,7 @@ private Q_SLOTS:
         QVERIFY(activate(window));
         QTableView *grid = gridOf(view);
         QCOMPARE(grid->verticalScrollBar()->maximum(), 0);
+        QCOMPARE(view->height(), view->sizeHint().height()); // its own hint, not an item view's default
         QCOMPARE(grid->indexAt(dayAt(grid, 1)).column(), 3);
         QSignalSpy spy(view, SIGNAL(sigDateSelect(QDate)));
         clickDay(grid, 15);
