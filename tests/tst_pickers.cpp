@@ -316,7 +316,9 @@ private Q_SLOTS:
         QCOMPARE(w.state(), listed(QStringLiteral("07:00")));
         QCOMPARE(spy.count(), 4);
         QCOMPARE(spy.last(), QVariantList {halfHours().indexOf(QStringLiteral("07:00")) + 1});
-        // A QString takes QComboBox's route, which only fills the line edit.
+        // A literal takes the box's own route; a QString QComboBox's, which only fills the line edit.
+        w.box->setCurrentText("10:31");
+        QCOMPARE(w.state(), QStringLiteral("10:31@0+custom"));
         w.box->setCurrentText(QStringLiteral("7"));
         QCOMPARE(w.box->lineEdit()->text(), QStringLiteral("7"));
         QCOMPARE(w.box->time(), QTime());
