@@ -95,10 +95,11 @@ struct PagingFooterInfo {
  * nowPage() and startItem() from the model. Call setItemCount() once after
  * construction; the buttons are not drawn for a page before that.
  *
- * The bar is 32 design pixels high (scaled). Give it the width of its content:
- * at scale 1.33, page 1 of 4 with the footer "36 file(s)" needs about 478
- * pixels. In a narrower pane the gap before the footer gives way first, then
- * the footer text is elided.
+ * The bar is 32 design pixels high (scaled). At scale 1.33, page 1 of 4 with
+ * the footer "36 file(s)" shows everything from about 478 pixels. In a
+ * narrower pane the gap before the footer gives way first, then the footer
+ * text is elided, down to the minimum (423 pixels) where only its ellipsis
+ * is left; the page numbers are never cut.
  */
 class LUMO_EXPORT LumoPagingBar : public QWidget
 {

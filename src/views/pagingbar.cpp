@@ -32,6 +32,16 @@ class FooterLabel : public QLabel
 public:
     using QLabel::QLabel;
 
+    // How much narrower than its whole text the label may be squeezed: down to the
+    // ellipsis. A label given a fixed width has no say.
+    int squeezable() const
+    {
+        if (minimumWidth() == maximumWidth() || isHidden())
+            return 0;
+        const QFontMetrics metrics = fontMetrics();
+        return qMax(0, metrics.horizontalAdvance(text()) - metrics.horizontalAdvance(QString(QChar(0x2026))));
+    }
+
 protected:
     void paintEvent(QPaintEvent *event) override
     {
@@ -50,6 +60,24 @@ protected:
         QPainter painter(this);
         style()->drawItemText(&painter, room, int(QStyle::visualAlignment(layoutDirection(), alignment())), palette(), isEnabled(), shown,
                               foregroundRole());
+    }
+};
+
+// The bordered row as the bar's own layout sees it: its minimum leaves the footer
+// texts only their ellipses. Below the row's own minimum, Qt takes the width from
+// the widest item first, which is the footer, so the page buttons keep their numbers
+// and the footer loses its end (see FooterLabel).
+class RowItem : public QWidgetItem
+{
+public:
+    using QWidgetItem::QWidgetItem;
+    QSize minimumSize() const override
+    {
+        QSize size = QWidgetItem::minimumSize();
+        for (const QLabel *label : widget()->findChildren<QLabel *>())
+            if (const auto *footer = dynamic_cast<const FooterLabel *>(label))
+                size.rwidth() -= footer->squeezable();
+        return size;
     }
 };
 
@@ -192,7 +220,8 @@ void LumoPagingBar::initializeUI()
     auto *outer = new QHBoxLayout(this);
     outer->setSpacing(lumo::scaled(0));
     outer->setContentsMargins(lumo::scaled(0), lumo::scaled(0), lumo::scaled(0), lumo::scaled(0));
-    outer->addWidget(border);
+    border->setParent(this);
+    outer->addItem(new RowItem(border));
 }
 
 void LumoPagingBar::connectSignals()
