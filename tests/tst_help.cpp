@@ -98,12 +98,6 @@ private:
     QTcpServer server;
 };
 
-QByteArray readAll(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 QString page(const QString &base, const QStringList &sources, const QString &extra = QString())
 {
     QString html = u"<html><head><base href=\"%1\"></head><body><p>Help</p>"_s.arg(base);
@@ -174,8 +168,8 @@ private Q_SLOTS:
         browser.setText(text);
         QTRY_COMPARE(http->held.size(), 6);
         http->release();
-        QTRY_COMPARE(readAll(cache + u"/a.png"_s), a);
-        QTRY_COMPARE(readAll(cache + u"/b.png"_s), b);
+        QTRY_COMPARE(testsupport::readFile(cache + u"/a.png"_s), a);
+        QTRY_COMPARE(testsupport::readFile(cache + u"/b.png"_s), b);
         QTRY_VERIFY(browser.document()->size().height() > before + 250);
         QTRY_COMPARE(http->open, 0);
         QCOMPARE(entries(cache), QStringList({u"a.png"_s, u"b.png"_s}));
@@ -280,7 +274,7 @@ private Q_SLOTS:
         const QString cached = HtmlTextBrowser::imageCacheFolder() + u"/a.png"_s;
         if (toFile) {
             // The planted link is replaced, not written through.
-            QTRY_COMPARE(readAll(cached), QByteArrayLiteral("new"));
+            QTRY_COMPARE(testsupport::readFile(cached), QByteArrayLiteral("new"));
             QVERIFY(!QFileInfo(cached).isSymLink());
         } else {
             QVERIFY(browser.searchPaths().isEmpty());
@@ -291,7 +285,7 @@ private Q_SLOTS:
                  toFile ? QStringList()
                         : QStringList(u"Cannot use the help image folder \"%1\""_s.arg(HtmlTextBrowser::imageCacheFolder())));
         QCOMPARE(entries(outside), QStringList(u"a.png"_s));
-        QCOMPARE(readAll(outside + u"/a.png"_s), QByteArrayLiteral("precious"));
+        QCOMPARE(testsupport::readFile(outside + u"/a.png"_s), QByteArrayLiteral("precious"));
     }
 
     void knowledgeBaseOrOfflinePage_data()

@@ -80,11 +80,6 @@ std::pair<QProcess::ExitStatus, QString> runChild(const QString &mode, const QSt
     return {child.exitStatus(), QString::fromLocal8Bit(child.readAll()).trimmed()};
 }
 
-QByteArray readAll(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 }
 
 class TestRegistries : public QObject
@@ -132,7 +127,7 @@ private Q_SLOTS:
         QVERIFY(
             plain.scaled(temporary[scaleIndex], temporary[scaleIndex], Qt::KeepAspectRatio, Qt::SmoothTransformation).save(&png, "PNG"));
         const QString writtenPath = ImageManager::getInstance()->getTempImageFullPath(name);
-        QCOMPARE(readAll(writtenPath), png.data());
+        QCOMPARE(testsupport::readFile(writtenPath), png.data());
     }
 
     void lookups()
@@ -188,7 +183,7 @@ private Q_SLOTS:
         testsupport::LogCatcher log;
         theme.initialize(ImageManager::LoadAll);
 
-        QCOMPARE(readAll(victim), QByteArray("keep"));
+        QCOMPARE(testsupport::readFile(victim), QByteArray("keep"));
         QVERIFY(!QFileInfo(folder + u"/tmp_myicon.png"_s).isSymLink());
         QVERIFY(!QImage(folder + u"/tmp_myicon.png"_s).isNull());
         QCOMPARE(ImageManager::getInstance()->getTempImageFolder(), folder);
