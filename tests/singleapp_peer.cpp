@@ -41,11 +41,9 @@ private Q_SLOTS:
     {
         say(QLatin1String("message ") + message);
         if (message == QLatin1String("quit"))
-            app->quit();
-        else {
-            ++pendingReports;
-            QMetaObject::invokeMethod(this, "reportWindow", Qt::QueuedConnection); // after the activation
-        }
+            return app->quit();
+        ++pendingReports;
+        QMetaObject::invokeMethod(this, "reportWindow", Qt::QueuedConnection); // after the activation
     }
 
     void reportWindow()
@@ -90,10 +88,9 @@ int main(int argc, char **argv)
         return app.exec();
     }
     const int count = argc > 3 ? QByteArray(argv[3]).toInt() : 1;
-    const QString tag = argc > 4 ? QString::fromLocal8Bit(argv[4]) : QStringLiteral("hello");
     int delivered = 0;
     for (int i = 0; i < count; ++i)
-        delivered += app.sendMessage(tag + QLatin1Char('#') + QString::number(i), 30000) ? 1 : 0;
+        delivered += app.sendMessage(QString::fromLocal8Bit(argc > 4 ? argv[4] : "hello") + QLatin1Char('#') + QString::number(i), 30000);
     say(QLatin1String("sent ") + QString::number(delivered));
     return delivered == count ? 0 : 1;
 }

@@ -35,6 +35,9 @@ void startWithDefaultTheme(const QTemporaryDir &userData);
 
 /** Writes @p data to @p path, creating folders; returns false on failure. */
 bool writeFile(const QString &path, const QByteArray &data);
+
+/** The bytes of @p path, or nothing when it cannot be read. */
+QByteArray readFile(const QString &path);
 }
 
 #endif

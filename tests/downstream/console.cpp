@@ -5,6 +5,7 @@
 
 int main(int argc, char **argv)
 {
+    std::setvbuf(stdout, nullptr, _IOLBF, 0); // the driver reads each line as it is printed
     QtSingleCoreApplication app(argc, argv);
     const QString message = app.arguments().mid(1).join(QLatin1Char(' '));
     if (app.isRunning())
@@ -16,9 +17,7 @@ int main(int argc, char **argv)
             return;
         }
         std::printf("message: %s\n", received.toUtf8().constData());
-        std::fflush(stdout);
     });
     std::printf("primary\n");
-    std::fflush(stdout);
     return app.exec();
 }

@@ -7,6 +7,7 @@
 
 int main(int argc, char **argv)
 {
+    std::setvbuf(stdout, nullptr, _IOLBF, 0); // the driver reads each line as it is printed
     QtSingleApplication app(argc, argv);
     const QString message = app.arguments().mid(1).join(QLatin1Char(' '));
     if (app.isRunning())
@@ -24,9 +25,7 @@ int main(int argc, char **argv)
         }
         log.appendPlainText(received);
         std::printf("logged: %s\n", log.document()->lastBlock().text().toUtf8().constData());
-        std::fflush(stdout);
     });
     std::printf("primary\n");
-    std::fflush(stdout);
     return app.exec();
 }

@@ -16,19 +16,18 @@ public:
         QtLockedFile file(path);
         if (!file.open(QIODevice::ReadOnly) || !file.lock(QtLockedFile::ReadLock)) {
             std::printf("cannot open %s\n", path.toUtf8().constData());
-            std::fflush(stdout);
             return;
         }
         auto *page = new QPlainTextEdit(QString::fromUtf8(file.readAll()));
         page->setReadOnly(true);
         setCurrentIndex(addTab(page, QFileInfo(path).fileName()));
         std::printf("opened %s: %s\n", tabText(currentIndex()).toUtf8().constData(), page->toPlainText().toUtf8().constData());
-        std::fflush(stdout);
     }
 };
 
 int main(int argc, char **argv)
 {
+    std::setvbuf(stdout, nullptr, _IOLBF, 0); // the driver reads each line as it is printed
     QtSingleApplication app(QStringLiteral("lumo-downstream-viewer"), argc, argv);
     QStringList files = app.arguments().mid(1);
     if (files != QStringList {QStringLiteral("--quit")}) {
@@ -56,6 +55,5 @@ int main(int argc, char **argv)
             viewer.open(file);
     });
     std::printf("primary\n");
-    std::fflush(stdout);
     return app.exec();
 }
