@@ -53,7 +53,7 @@ struct ThemeCatalogue {
 /** The one list of images, style keys and caption keys; lumo-theme-check reads it too. */
 LUMO_EXPORT const ThemeCatalogue &themeCatalogue();
 /** The type icon names of FileTypeMap, each also with "_removed". */
-QStringList fileTypeImages();
+LUMO_EXPORT QStringList fileTypeImages();
 
 /**
  * Empties the image, style and caption registries as a fresh process has them;

@@ -186,7 +186,7 @@ void checkImages(const QDir &theme, const QMap<QString, QString> &styles, Findin
     QSet<QString> expectedFiles, asked;
     for (const lumo::ThemeImage &image : lumo::themeCatalogue().images) {
         asked.insert(image.name);
-        if (!listed.contains(image.name))
+        if (document.isObject() && !listed.contains(image.name))
             findings.gaps << QStringLiteral("image %1 not listed in images.json").arg(image.name);
         for (int state = 0; state < (image.allStates ? 4 : 1); ++state)
             requireFile(stateFile(image.name, state), image.name);
@@ -200,7 +200,7 @@ void checkImages(const QDir &theme, const QMap<QString, QString> &styles, Findin
             const QString name = m.captured(2);
             if (m.captured(1).startsWith(QLatin1String("TMP"))) {
                 referenced.insert(name);
-                if (!temporary.contains(name))
+                if (document.isObject() && !temporary.contains(name))
                     findings.gaps << QStringLiteral("image %1 used by %2 not listed in tmp_images").arg(name, it.key());
             }
             requireFile(name, it.key());
@@ -266,8 +266,10 @@ QStringList checkCaptions(const QDir &theme, Findings &findings)
         languages << language;
         bool ok = false;
         const QJsonDocument document = QJsonDocument::fromJson(readSmallFile(dir.filePath(file), &ok));
-        if (!ok || !document.isObject())
+        if (!ok || !document.isObject()) {
             findings.gaps << QStringLiteral("captions/%1 unreadable or not a JSON object").arg(file);
+            continue;
+        }
         const QJsonObject captions = document.object();
         const QStringList &keys = lumo::themeCatalogue().captionKeys;
         for (const QString &key : keys)
@@ -296,6 +298,7 @@ int main(int argc, char **argv)
     const int rules = checkStyles(styles, findings);
     const QStringList languages = checkCaptions(theme, findings);
     const lumo::ThemeCatalogue &catalogue = lumo::themeCatalogue();
+    findings.gaps.removeDuplicates(); // one missing file named by several stylesheets
 
     out << "Theme " << QDir::toNativeSeparators(theme.absolutePath()) << '\n'
         << "  asked for: " << catalogue.images.size() << " images, " << catalogue.styleKeys.size() << " style keys, "
