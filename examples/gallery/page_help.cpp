@@ -59,8 +59,8 @@ private:
         // Embedded in the page instead of opening as its own modal window.
         window->setWindowFlags(Qt::Widget);
         window->setObjectName(QStringLiteral("galleryHelpWindow"));
-        window->setStyleSheet(window->styleSheet() +
-                              gallery::themed(QStringLiteral("QTextBrowser { background: #FFFFFF; border: 1px solid #D5DCE4; }")));
+        // Help pages are documents with their own colours: they stay on white in every theme.
+        window->setStyleSheet(window->styleSheet() + QStringLiteral("QTextBrowser { background: #FFFFFF; border: 1px solid #D5DCE4; }"));
         holderLayout->addWidget(window);
         window->show();
         const QString help = HelpWindow::helpLanguage(code);

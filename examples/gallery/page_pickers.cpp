@@ -84,8 +84,10 @@ QWidget *shadedArea()
     auto *frame = new QFrame;
     frame->setObjectName(QStringLiteral("galleryShadeFrame"));
     frame->setStyleSheet(DPIinfo::getInstance()->getScaledStyleSheet(
-        gallery::themed(QStringLiteral("QFrame#galleryShadeFrame { border: 1px solid #E3E8EE; border-radius: 6px; background: #FFFFFF; }"
-                                       "QWidget#galleryActivity QLabel { color: #1F2933; font-size: 13px; }"))));
+        gallery::themed(
+            QStringLiteral("QFrame#galleryShadeFrame { border: 1px solid #E3E8EE; border-radius: 6px; background: #FFFFFF; }")) +
+        // The scroll area is white in every theme, so its rows keep dark text.
+        QStringLiteral("QWidget#galleryActivity QLabel { color: #1F2933; font-size: 13px; }")));
     auto *frameLayout = new QVBoxLayout(frame);
     frameLayout->setContentsMargins(1, 1, 1, 1);
     frameLayout->addWidget(area);

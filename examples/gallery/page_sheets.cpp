@@ -134,7 +134,7 @@ QWidget *sheetContent()
 
 ShadowData shadow(double blur, int x, int y, const char *color)
 {
-    return ShadowData {blur, x, y, color};
+    return ShadowData {blur, x, y, gallery::themedColor(color).name(QColor::HexArgb).toStdString()};
 }
 
 // A white card of fixed size in a BoxShadowWrapper carrying the given shadows.
