@@ -169,7 +169,8 @@ void startUp(const Startup &startup)
         palette.setColor(QPalette::AlternateBase, themedColor("#F5F7FA"));
         for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
             palette.setColor(role, themedColor("#1F2933", true));
-        palette.setColor(QPalette::PlaceholderText, themedColor("#A7B1BD", true));
+        for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::PlaceholderText})
+            palette.setColor(role == QPalette::PlaceholderText ? QPalette::All : QPalette::Disabled, role, themedColor("#A7B1BD", true));
         QApplication::setPalette(palette);
     }
     UIPathManager::getInstance()->setPath(QStringLiteral("resource_path"), startup.themeDir);
