@@ -2,11 +2,13 @@
 
 #include "gallery.h"
 
+#include <QCalendarWidget>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
 #include <QListWidget>
 #include <QScrollArea>
+#include <QTextCharFormat>
 #include <QVBoxLayout>
 
 namespace
@@ -94,6 +96,15 @@ QWidget *dates()
     calendar->setCurrentPage(2024, 3);
     // Standing alone, the calendar takes the look its date selector popup has.
     calendar->setStyleSheet(getStyleSheet("component.date_selector", false));
+    // The calendar draws weekend dates black; on a dark theme the application gives them the text colour.
+    if (const QColor text = gallery::themedColor("#1F2933", true); text != QColor(QStringLiteral("#1F2933"))) {
+        for (auto *grid : calendar->findChildren<QCalendarWidget *>()) {
+            QTextCharFormat weekend = grid->weekdayTextFormat(Qt::Saturday);
+            weekend.setForeground(text);
+            grid->setWeekdayTextFormat(Qt::Saturday, weekend);
+            grid->setWeekdayTextFormat(Qt::Sunday, weekend);
+        }
+    }
     layout->addWidget(calendar);
     layout->addStretch(1);
     return box;

@@ -120,17 +120,20 @@ double contrast(const QColor &text, const QColor &background)
 // it refines (":hover" from the plain selector) when it sets only one. Disabled states are exempt, as in WCAG.
 int checkContrast(const QString &key, const QString &section, Findings &findings)
 {
-    static const QRegularExpression rule(QStringLiteral(R"re(([^{}]+)\{([^{}]*)\})re"));
     static const QRegularExpression state(QStringLiteral(R"re((?<!:):[a-zA-Z-]+)re"));
     struct Look {
         QString color, background;
     };
     QList<std::pair<QString, Look>> rules;
     QMap<QString, Look> bySelector;
-    for (auto it = rule.globalMatch(section); it.hasNext();) {
-        const auto m = it.next();
+    // A plain scan rather than a pattern: hostile text without braces must stay linear.
+    for (qsizetype start = 0;;) {
+        const qsizetype open = section.indexOf(QLatin1Char('{'), start);
+        const qsizetype close = open < 0 ? -1 : section.indexOf(QLatin1Char('}'), open);
+        if (close < 0)
+            break;
         Look look;
-        for (const QString &declaration : m.captured(2).split(QLatin1Char(';'))) {
+        for (const QString &declaration : section.mid(open + 1, close - open - 1).split(QLatin1Char(';'))) {
             const qsizetype colon = declaration.indexOf(QLatin1Char(':'));
             const QString property = declaration.left(colon).trimmed().toLower();
             if (colon < 0)
@@ -140,8 +143,9 @@ int checkContrast(const QString &key, const QString &section, Findings &findings
             else if (property == QLatin1String("background") || property == QLatin1String("background-color"))
                 look.background = declaration.mid(colon + 1).trimmed();
         }
-        rules.append({m.captured(1).simplified(), look});
+        rules.append({section.mid(start, open - start).simplified(), look});
         bySelector.insert(rules.last().first, look);
+        start = close + 1;
     }
     int checked = 0;
     for (const auto &[selector, own] : std::as_const(rules)) {
