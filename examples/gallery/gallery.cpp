@@ -1,5 +1,7 @@
 #include "gallery.h"
 
+#include "palette.h"
+
 #include <QApplication>
 #include <QDir>
 #include <QFile>
@@ -8,6 +10,7 @@
 #include <QJsonObject>
 #include <QLabel>
 #include <QListWidget>
+#include <QPalette>
 #include <QScrollArea>
 #include <QStackedWidget>
 #include <QTextStream>
@@ -74,7 +77,7 @@ QVBoxLayout *installScrollingFrame(QWidget *page, const QString &title, int spac
 
     auto *content = new QWidget;
     content->setObjectName(QStringLiteral("galleryContent"));
-    content->setStyleSheet(QStringLiteral("QWidget#galleryContent { background: #FFFFFF; }"));
+    content->setStyleSheet(themed(QStringLiteral("QWidget#galleryContent { background: #FFFFFF; }")));
     auto *layout = new QVBoxLayout(content);
     layout->setContentsMargins(px(24), px(20), px(24), px(20));
     layout->setSpacing(px(spacing));
@@ -92,11 +95,37 @@ ScrollingPage scrollingPage(const QString &title, int spacing)
 
 QString defaultThemeDir()
 {
+    return themeDir(QStringLiteral("default"));
+}
+
+QString themeDir(const QString &nameOrFolder)
+{
+    if (nameOrFolder != QLatin1String("default") && nameOrFolder != QLatin1String("dark"))
+        return nameOrFolder;
     // Next to an installed gallery first, then the build tree.
-    const QString installed = QCoreApplication::applicationDirPath() + QStringLiteral("/../share/lumo/themes/default");
+    const QString installed = QCoreApplication::applicationDirPath() + QStringLiteral("/../share/lumo/themes/") + nameOrFolder;
     if (QFile::exists(installed + QStringLiteral("/images.json")))
         return QDir::cleanPath(installed);
-    return QStringLiteral(LUMO_GALLERY_THEME_DIR);
+    return QStringLiteral(LUMO_GALLERY_THEMES_DIR "/") + nameOrFolder;
+}
+
+namespace
+{
+Palette &galleryPalette()
+{
+    static Palette palette;
+    return palette;
+}
+}
+
+QString themed(const QString &css)
+{
+    return galleryPalette().recolorSheet(css);
+}
+
+QColor themedColor(const char *color, bool text)
+{
+    return QColor(galleryPalette().recolor(QString::fromLatin1(color), text));
 }
 
 std::vector<QString> styleFiles(const QString &themeDir)
@@ -131,6 +160,19 @@ QMap<QString, QString> readCaptions(const QString &file)
 
 void startUp(const Startup &startup)
 {
+    galleryPalette() = Palette::load(startup.themeDir + QStringLiteral("/palette.json"));
+    if (!galleryPalette().isEmpty()) {
+        // Widgets the theme does not style (an unstyled button, viewports) follow it through the palette.
+        QPalette palette = QApplication::palette();
+        for (const auto role : {QPalette::Window, QPalette::Base, QPalette::Button})
+            palette.setColor(role, themedColor("#FFFFFF"));
+        palette.setColor(QPalette::AlternateBase, themedColor("#F5F7FA"));
+        for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+            palette.setColor(role, themedColor("#1F2933", true));
+        for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::PlaceholderText})
+            palette.setColor(role == QPalette::PlaceholderText ? QPalette::All : QPalette::Disabled, role, themedColor("#A7B1BD", true));
+        QApplication::setPalette(palette);
+    }
     UIPathManager::getInstance()->setPath(QStringLiteral("resource_path"), startup.themeDir);
     UIPathManager::getInstance()->setPath(QStringLiteral("user_data_path"), startup.userDataDir);
     ImageManager::getInstance()->initialize(ImageManager::LoadAll);
@@ -157,14 +199,14 @@ MainWindow::MainWindow(QWidget *parent)
     layout->addWidget(navigation);
     layout->addWidget(stack, 1);
     setCentralWidget(central);
-    setStyleSheet(DPIinfo::getInstance()->getScaledStyleSheet(QStringLiteral(
+    setStyleSheet(DPIinfo::getInstance()->getScaledStyleSheet(themed(QStringLiteral(
         "QWidget#galleryCentral { background: #FFFFFF; }"
         "QListWidget#galleryNavigation { background: #F5F7FA; border-right: 1px solid #E3E8EE; padding: 12px 8px; outline: 0px; }"
         "QListWidget#galleryNavigation::item { color: #3C4A5C; padding: 7px 10px; border-radius: 6px; font-size: 13px; }"
         "QListWidget#galleryNavigation::item:selected { background: #E4ECFD; color: #1F55C2; }"
         "QLabel[galleryRole=\"title\"] { color: #1F2933; font-size: 20px; font-weight: 600; }"
         "QLabel[galleryRole=\"section\"] { color: #1F2933; font-size: 14px; font-weight: 600; padding-top: 8px; }"
-        "QLabel[galleryRole=\"note\"] { color: #5B6B7F; font-size: 12px; }")));
+        "QLabel[galleryRole=\"note\"] { color: #5B6B7F; font-size: 12px; }"))));
 
     for (const Page &page : pages()) {
         navigation->addItem(page.title);

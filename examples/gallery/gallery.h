@@ -3,6 +3,7 @@
 
 #include <lumo/lumo.h>
 
+#include <QColor>
 #include <QMainWindow>
 #include <QString>
 
@@ -40,6 +41,11 @@ struct Startup {
 /** Runs the library's start-up in its required order. Call after the QApplication exists. */
 void startUp(const Startup &startup);
 QString defaultThemeDir();
+/** A shipped theme's name ("default", "dark") as its folder beside the gallery or in the build tree; anything else is a folder. */
+QString themeDir(const QString &nameOrFolder);
+/** The gallery's own style text in the theme's colours (the theme's palette.json, if it has one). */
+QString themed(const QString &css);
+QColor themedColor(const char *color, bool text = false);
 /** The theme's style files, in the order they are loaded. */
 std::vector<QString> styleFiles(const QString &themeDir);
 /** The caption language used for @p requested (a code, or empty for the system's). */

@@ -1,6 +1,6 @@
 // The Lumo gallery: every component of the library on a page.
 //
-//   lumo-gallery [--theme DIR] [--lang CODE] [--user-data DIR] [--render DIR]
+//   lumo-gallery [--theme default|dark|DIR] [--lang CODE] [--user-data DIR] [--render DIR]
 //
 // With --render the pages are drawn to PNG files in DIR (one per page) and their
 // paths printed, which is how the gallery is looked at without a display.
@@ -23,7 +23,8 @@ int main(int argc, char **argv)
 
     QCommandLineParser parser;
     parser.addHelpOption();
-    const QCommandLineOption themeOption(QStringLiteral("theme"), QStringLiteral("Theme folder."), QStringLiteral("dir"));
+    const QCommandLineOption themeOption(QStringLiteral("theme"), QStringLiteral("Theme: default, dark or a theme folder."),
+                                         QStringLiteral("theme"));
     const QCommandLineOption langOption(QStringLiteral("lang"), QStringLiteral("Caption language (enu, deu, chs)."),
                                         QStringLiteral("code"));
     const QCommandLineOption dataOption(QStringLiteral("user-data"), QStringLiteral("Per-user data folder."), QStringLiteral("dir"));
@@ -42,7 +43,7 @@ int main(int argc, char **argv)
     }
 
     gallery::Startup startup;
-    startup.themeDir = parser.isSet(themeOption) ? parser.value(themeOption) : gallery::defaultThemeDir();
+    startup.themeDir = gallery::themeDir(parser.isSet(themeOption) ? parser.value(themeOption) : QStringLiteral("default"));
     startup.userDataDir =
         parser.isSet(dataOption) ? parser.value(dataOption) : QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
     startup.language = parser.value(langOption);

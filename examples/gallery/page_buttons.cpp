@@ -198,7 +198,7 @@ void addLineEdits(QVBoxLayout *layout)
     port->setError(!port->validate());
     port->getPostLabel()->setStyleSheet(
         port->getPostLabel()->styleSheet() +
-        DPIinfo::getInstance()->getScaledStyleSheet(QStringLiteral("QLabel { color: #D93F44; padding-left: 8px; }")));
+        DPIinfo::getInstance()->getScaledStyleSheet(gallery::themed(QStringLiteral("QLabel { color: #D93F44; padding-left: 8px; }"))));
     layout->addWidget(port);
     auto *size = lineEdit(QStringLiteral("Limit"), QStringLiteral("GB"), QStringLiteral("250"));
     size->getPostLabel()->setStyleSheet(size->getPostLabel()->styleSheet() +
@@ -224,7 +224,8 @@ void addLabels(QVBoxLayout *layout)
     auto *link = new LinkLabel(QStringLiteral("Open the help center"));
     link->setHyperLink(QStringLiteral("https://example.invalid/help"));
     link->setToolTip(getHtmlEscapedStringForToolTip(link->getHyperLink()));
-    link->setStyleSheet(DPIinfo::getInstance()->getScaledStyleSheet(QStringLiteral("QLabel { color: #2F6FED; font-size: 13px; }")));
+    link->setStyleSheet(
+        DPIinfo::getInstance()->getScaledStyleSheet(gallery::themed(QStringLiteral("QLabel { color: #2F6FED; font-size: 13px; }"))));
     links->addWidget(link);
     auto *clickable = new ClickableLabel;
     clickable->setStyleSheet(getStyleSheet("component.label", false));

@@ -2,11 +2,13 @@
 
 #include "gallery.h"
 
+#include <QCalendarWidget>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
 #include <QListWidget>
 #include <QScrollArea>
+#include <QTextCharFormat>
 #include <QVBoxLayout>
 
 namespace
@@ -35,12 +37,13 @@ public:
         layout->setContentsMargins(0, 0, 0, 0);
         layout->setSpacing(0);
         list->setFrameShape(QFrame::NoFrame);
-        list->setStyleSheet(QStringLiteral("QListWidget { background: #FFFFFF; border: 1px solid #E3E8EE; border-bottom: none;"
+        list->setStyleSheet(
+            gallery::themed(QStringLiteral("QListWidget { background: #FFFFFF; border: 1px solid #E3E8EE; border-bottom: none;"
                                            " font-size: %1px; color: #1F2933; }"
-                                           "QListWidget::item { padding-left: %2px; height: %3px; }")
-                                .arg(gallery::px(13))
-                                .arg(gallery::px(10))
-                                .arg(gallery::px(26)));
+                                           "QListWidget::item { padding-left: %2px; height: %3px; }"))
+                .arg(gallery::px(13))
+                .arg(gallery::px(10))
+                .arg(gallery::px(26)));
         list->setFixedHeight(gallery::px(26) * rows + gallery::px(4));
         layout->addWidget(list);
         layout->addWidget(bar);
@@ -93,6 +96,15 @@ QWidget *dates()
     calendar->setCurrentPage(2024, 3);
     // Standing alone, the calendar takes the look its date selector popup has.
     calendar->setStyleSheet(getStyleSheet("component.date_selector", false));
+    // The calendar draws weekend dates black; on a dark theme the application gives them the text colour.
+    if (const QColor text = gallery::themedColor("#1F2933", true); text != QColor(QStringLiteral("#1F2933"))) {
+        for (auto *grid : calendar->findChildren<QCalendarWidget *>()) {
+            QTextCharFormat weekend = grid->weekdayTextFormat(Qt::Saturday);
+            weekend.setForeground(text);
+            grid->setWeekdayTextFormat(Qt::Saturday, weekend);
+            grid->setWeekdayTextFormat(Qt::Sunday, weekend);
+        }
+    }
     layout->addWidget(calendar);
     layout->addStretch(1);
     return box;
@@ -116,7 +128,7 @@ QWidget *table()
         rows->setItem(i, 3, new QTableWidgetItem(QStringLiteral("/projects/%1/archive/%2").arg(2020 + i % 5).arg(i % 12 + 1)));
     }
     widget->setFixedHeight(gallery::px(30) + gallery::px(28) * 7);
-    widget->setStyleSheet(QStringLiteral("LumoTableWidget { border: 1px solid #E3E8EE; }"));
+    widget->setStyleSheet(gallery::themed(QStringLiteral("LumoTableWidget { border: 1px solid #E3E8EE; }")));
     return widget;
 }
 
@@ -129,7 +141,7 @@ QWidget *tree()
     tree->setItemDelegate(delegate);
     tree->setHeaderHidden(true);
     tree->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
-    tree->setBackgroundColor(QColor(QStringLiteral("#DCE7FD")), QColor(QStringLiteral("#F1F5FB")));
+    tree->setBackgroundColor(gallery::themedColor("#DCE7FD"), gallery::themedColor("#F1F5FB"));
     // The tree takes no look of its own: the theme offers one for it.
     tree->setStyleSheet(getStyleSheet("component.tree", false) + getStyleSheet("component.scrollbar", false));
     const QIcon folder(getGlobalImage("folder", ImageManager::Normal));

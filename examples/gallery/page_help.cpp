@@ -59,6 +59,7 @@ private:
         // Embedded in the page instead of opening as its own modal window.
         window->setWindowFlags(Qt::Widget);
         window->setObjectName(QStringLiteral("galleryHelpWindow"));
+        // Help pages are documents with their own colours: they stay on white in every theme.
         window->setStyleSheet(window->styleSheet() + QStringLiteral("QTextBrowser { background: #FFFFFF; border: 1px solid #D5DCE4; }"));
         holderLayout->addWidget(window);
         window->show();

@@ -84,8 +84,10 @@ QWidget *shadedArea()
     auto *frame = new QFrame;
     frame->setObjectName(QStringLiteral("galleryShadeFrame"));
     frame->setStyleSheet(DPIinfo::getInstance()->getScaledStyleSheet(
-        QStringLiteral("QFrame#galleryShadeFrame { border: 1px solid #E3E8EE; border-radius: 6px; background: #FFFFFF; }"
-                       "QWidget#galleryActivity QLabel { color: #1F2933; font-size: 13px; }")));
+        gallery::themed(
+            QStringLiteral("QFrame#galleryShadeFrame { border: 1px solid #E3E8EE; border-radius: 6px; background: #FFFFFF; }")) +
+        // The scroll area is white in every theme, so its rows keep dark text.
+        QStringLiteral("QWidget#galleryActivity QLabel { color: #1F2933; font-size: 13px; }")));
     auto *frameLayout = new QVBoxLayout(frame);
     frameLayout->setContentsMargins(1, 1, 1, 1);
     frameLayout->addWidget(area);
@@ -144,11 +146,12 @@ QWidget *createPage()
     layout->addWidget(label(QStringLiteral("Footbar"), "section"));
     auto *foot = new LumoFootbar;
     foot->setObjectName(QStringLiteral("galleryFootbar"));
-    foot->setStyleSheet(QStringLiteral("QWidget#galleryFootbar { background: #F7F9FB; border-top: 1px solid #E3E8EE; }"));
+    foot->setStyleSheet(gallery::themed(QStringLiteral("QWidget#galleryFootbar { background: #F7F9FB; border-top: 1px solid #E3E8EE; }")));
     foot->setAttribute(Qt::WA_StyledBackground);
     auto *help = new LinkLabel(QStringLiteral("Learn more"));
     help->setHoverUnderline(true);
-    help->setStyleSheet(DPIinfo::getInstance()->getScaledStyleSheet(QStringLiteral("QLabel { color: #2F6FED; font-size: 13px; }")));
+    help->setStyleSheet(
+        DPIinfo::getInstance()->getScaledStyleSheet(gallery::themed(QStringLiteral("QLabel { color: #2F6FED; font-size: 13px; }"))));
     foot->pushLeftWidget(help);
     foot->pushLeftWidget(label(QStringLiteral("3 items selected"), "note"));
     foot->pushRightWidget(new LumoButton(QStringLiteral("Cancel"), LumoButton::Cancel));

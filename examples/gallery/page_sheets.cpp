@@ -57,10 +57,11 @@ QFrame *miniatureWindow()
     auto *window = new QFrame;
     window->setObjectName(QStringLiteral("miniWindow"));
     window->setFixedSize(gallery::px(540), gallery::px(300));
-    window->setStyleSheet(QStringLiteral("QFrame#miniWindow { background: #FFFFFF; border: 1px solid #D5DBE3; border-radius: %1; }"
-                                         "QFrame#miniTitle { background: #EEF1F5; border-bottom: 1px solid #D5DBE3;"
-                                         " border-top-left-radius: %1; border-top-right-radius: %1; }")
-                              .arg(size(8)));
+    window->setStyleSheet(
+        gallery::themed(QStringLiteral("QFrame#miniWindow { background: #FFFFFF; border: 1px solid #D5DBE3; border-radius: %1; }"
+                                       "QFrame#miniTitle { background: #EEF1F5; border-bottom: 1px solid #D5DBE3;"
+                                       " border-top-left-radius: %1; border-top-right-radius: %1; }"))
+            .arg(size(8)));
     auto *column = new QVBoxLayout(window);
     column->setContentsMargins(1, 1, 1, 1);
     column->setSpacing(0);
@@ -78,7 +79,8 @@ QFrame *miniatureWindow()
         titleRow->addWidget(dot);
     }
     titleRow->addStretch(1);
-    QLabel *caption = styled(QStringLiteral("Harbour survey — Files"), QStringLiteral("color: #3E4C5E; font-weight: 600;"));
+    QLabel *caption =
+        styled(QStringLiteral("Harbour survey — Files"), gallery::themed(QStringLiteral("color: #3E4C5E; font-weight: 600;")));
     caption->setWordWrap(false);
     titleRow->addWidget(caption);
     titleRow->addStretch(1);
@@ -98,9 +100,9 @@ QFrame *miniatureWindow()
     for (const auto &file : files) {
         auto *row = new QHBoxLayout;
         row->setContentsMargins(0, gallery::px(7), 0, gallery::px(7));
-        row->addWidget(styled(QString::fromUtf8(file[0]), QStringLiteral("color: #1F2933;")), 3);
-        row->addWidget(styled(QString::fromUtf8(file[1]), QStringLiteral("color: #7B8794;")), 1);
-        row->addWidget(styled(QString::fromUtf8(file[2]), QStringLiteral("color: #7B8794;")), 1);
+        row->addWidget(styled(QString::fromUtf8(file[0]), gallery::themed(QStringLiteral("color: #1F2933;"))), 3);
+        row->addWidget(styled(QString::fromUtf8(file[1]), gallery::themed(QStringLiteral("color: #7B8794;"))), 1);
+        row->addWidget(styled(QString::fromUtf8(file[2]), gallery::themed(QStringLiteral("color: #7B8794;"))), 1);
         list->addLayout(row);
     }
     list->addStretch(1);
@@ -132,7 +134,7 @@ QWidget *sheetContent()
 
 ShadowData shadow(double blur, int x, int y, const char *color)
 {
-    return ShadowData {blur, x, y, color};
+    return ShadowData {blur, x, y, gallery::themedColor(color).name(QColor::HexArgb).toStdString()};
 }
 
 // A white card of fixed size in a BoxShadowWrapper carrying the given shadows.
@@ -142,12 +144,13 @@ QWidget *card(const QString &title, const QString &detail, bool smooth, std::vec
     auto *body = new QFrame;
     body->setObjectName(QStringLiteral("shadowCard"));
     body->setFixedSize(gallery::px(168), gallery::px(92));
-    body->setStyleSheet(QStringLiteral("QFrame#shadowCard { background: %1; border-radius: %2; }").arg(fill, size(smooth ? 12 : 0)));
+    body->setStyleSheet(
+        gallery::themed(QStringLiteral("QFrame#shadowCard { background: %1; border-radius: %2; }").arg(fill, size(smooth ? 12 : 0))));
     auto *column = new QVBoxLayout(body);
     column->setContentsMargins(gallery::px(16), gallery::px(14), gallery::px(16), gallery::px(14));
     column->setSpacing(gallery::px(4));
-    column->addWidget(styled(title, QStringLiteral("color: #1F2933; font-weight: 600;")));
-    column->addWidget(styled(detail, QStringLiteral("color: #7B8794;")));
+    column->addWidget(styled(title, gallery::themed(QStringLiteral("color: #1F2933; font-weight: 600;"))));
+    column->addWidget(styled(detail, gallery::themed(QStringLiteral("color: #7B8794;"))));
     column->addStretch(1);
 
     // Equal margins for every card keep the row aligned whatever each shadow reaches.
@@ -162,7 +165,7 @@ QWidget *cardRow(std::initializer_list<QWidget *> cards)
 {
     auto *stage = new QFrame;
     stage->setObjectName(QStringLiteral("shadowStage"));
-    stage->setStyleSheet(QStringLiteral("QFrame#shadowStage { background: #F3F5F8; border-radius: %1; }").arg(size(10)));
+    stage->setStyleSheet(gallery::themed(QStringLiteral("QFrame#shadowStage { background: #F3F5F8; border-radius: %1; }").arg(size(10))));
     auto *row = new QHBoxLayout(stage);
     row->setContentsMargins(gallery::px(4), gallery::px(4), gallery::px(4), gallery::px(4));
     row->setSpacing(0);

@@ -7,7 +7,9 @@
 
 #include <QLoggingCategory>
 #include <QSize>
+#include <QStringList>
 
+#include <functional>
 #include <initializer_list>
 
 Q_DECLARE_LOGGING_CATEGORY(lumoLog)
@@ -35,6 +37,24 @@ QString caption(const char *key);
  */
 bool replaceFile(const QString &path, const QByteArray &data);
 
+/** One image a theme must provide: its name, and whether all four state files are asked for or the normal one only. */
+struct ThemeImage {
+    QString name;
+    bool allStates;
+};
+
+/** Everything the library's own widgets ask a theme for. */
+struct ThemeCatalogue {
+    QList<ThemeImage> images;
+    QStringList styleKeys;
+    QStringList captionKeys;
+};
+
+/** The one list of images, style keys and caption keys; lumo-theme-check reads it too. */
+LUMO_EXPORT const ThemeCatalogue &themeCatalogue();
+/** The type icon names of FileTypeMap, each also with "_removed". */
+LUMO_EXPORT QStringList fileTypeImages();
+
 /**
  * Empties the image, style and caption registries as a fresh process has them;
  * the folders stay. For harnesses that feed one process many inputs.
@@ -47,6 +67,8 @@ LUMO_EXPORT QString removeBlockComments(const QString &text);
 LUMO_EXPORT QString removeLineComments(const QString &text);
 LUMO_EXPORT QString replacePlaceholder(const QString &text, QStringView placeholder, const QString &value);
 LUMO_EXPORT QString scalePxLengths(const QString &sheet, double factor);
+/** Removes the comments of style text and hands each section to @p store, in file order. */
+LUMO_EXPORT void forEachStyleSection(QString text, const std::function<void(const QString &, const QString &)> &store);
 }
 
 #endif

@@ -240,7 +240,12 @@ void StyleManager::initialize(const std::vector<QString> &files)
 
     text = lumo::replacePlaceholder(text, u"TMPIMG_LOC", ImageManager::getInstance()->getTempImageFolder());
     text = lumo::replacePlaceholder(text, u"IMG_LOC", ImageManager::getInstance()->getImageFolder());
-    text = lumo::removeLineComments(lumo::removeBlockComments(text));
+    lumo::forEachStyleSection(text, [this](const QString &key, const QString &value) { styleSheets.insert(key, value); });
+}
+
+void lumo::forEachStyleSection(QString text, const std::function<void(const QString &, const QString &)> &store)
+{
+    text = removeLineComments(removeBlockComments(text));
 
     QString key;
     QString value;
@@ -257,7 +262,7 @@ void StyleManager::initialize(const std::vector<QString> &files)
 
         if (line.startsWith(u"==") && line.endsWith(u"==")) {
             if (!key.isEmpty()) {
-                styleSheets.insert(key, value);
+                store(key, value);
                 key.clear();
                 value.clear();
             }
@@ -269,7 +274,7 @@ void StyleManager::initialize(const std::vector<QString> &files)
         }
     }
     if (!key.isEmpty())
-        styleSheets.insert(key, value);
+        store(key, value);
 }
 
 QString StyleManager::getStyleSheet(const QString &key, bool raw)

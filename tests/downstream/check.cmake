@@ -10,9 +10,17 @@ endif()
 foreach(required include/lumo/lumo.h include/lumo/registries.h lib/cmake/Lumo/LumoConfig.cmake
                  lib/cmake/Lumo/LumoConfigVersion.cmake lib/pkgconfig/lumo.pc share/lumo/themes/default/images.json
                  share/lumo/themes/default/images/icon_information.png
-                 include/lumo/qtsingleapplication/QtSingleApplication include/lumo/qtsingleapplication/qtlockedfile.h)
+                 include/lumo/qtsingleapplication/QtSingleApplication include/lumo/qtsingleapplication/qtlockedfile.h
+                 share/lumo/themes/dark/images.json bin/lumo-theme-check)
   if(NOT EXISTS ${prefix}/${required})
     message(FATAL_ERROR "installed package lacks ${required}")
+  endif()
+endforeach()
+# The installed checker runs from the prefix and passes both installed themes.
+foreach(theme default dark)
+  execute_process(COMMAND ${prefix}/bin/lumo-theme-check ${prefix}/share/lumo/themes/${theme} RESULT_VARIABLE rc)
+  if(NOT rc EQUAL 0)
+    message(FATAL_ERROR "lumo-theme-check failed on the installed ${theme} theme: ${rc}")
   endif()
 endforeach()
 execute_process(COMMAND ${CMAKE_COMMAND} -S ${SOURCE_DIR} -B ${WORK_DIR}/build -G ${GENERATOR}

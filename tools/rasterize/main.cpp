@@ -1,12 +1,14 @@
 // Rasterises the theme's vector sources into the PNG files the image registry loads.
 //
-// Usage: lumo_rasterize <sources.json> <svg folder> <output folder> <images.json>
+// Usage: lumo_rasterize <sources.json> <svg folder> <output folder> <images.json> [palette.json]
 //
 // Every entry of sources.json names an image, its SVG file, its display size and
 // the @VARIABLE@ values substituted into the SVG text. Images are drawn at four
 // times their display size. Unless an entry says "variants": false, the "_hover",
 // "_click" and "_disable" files are written too: from the entry's per-state
 // variables where it gives them, otherwise by tinting the normal rendering.
+// A palette derives another theme's images from the same sources: its colour map
+// applies to the SVG text and the variables, its overrides come last.
 
 #include <QDir>
 #include <QFile>
@@ -19,6 +21,8 @@
 #include <QSet>
 #include <QSvgRenderer>
 #include <QTextStream>
+
+#include "palette.h"
 
 #include <cstdio>
 
@@ -81,8 +85,11 @@ int main(int argc, char **argv)
 {
     QGuiApplication app(argc, argv);
     const QStringList args = app.arguments();
-    if (args.size() != 5)
-        return fail(QStringLiteral("usage: lumo_rasterize <sources.json> <svg folder> <output folder> <images.json>"));
+    if (args.size() != 5 && args.size() != 6)
+        return fail(QStringLiteral("usage: lumo_rasterize <sources.json> <svg folder> <output folder> <images.json> [palette.json]"));
+    const Palette palette = Palette::load(args.value(5));
+    if (args.size() == 6 && palette.isEmpty())
+        return fail(QStringLiteral("no colour map in ") + args[5]);
 
     QFile specFile(args[1]);
     if (!specFile.open(QIODevice::ReadOnly))
@@ -102,8 +109,8 @@ int main(int argc, char **argv)
         QFile svgFile(svgDir.filePath(entry.value(QStringLiteral("svg")).toString()));
         if (name.isEmpty() || pixels.isEmpty() || !svgFile.open(QIODevice::ReadOnly))
             return fail(QStringLiteral("bad entry for \"") + name + QStringLiteral("\" or unreadable ") + svgFile.fileName());
-        const QString svg = QString::fromUtf8(svgFile.readAll());
-        const QJsonObject vars = entry.value(QStringLiteral("vars")).toObject();
+        const QString svg = palette.recolorSvg(QString::fromUtf8(svgFile.readAll()));
+        const QJsonObject vars = palette.imageVars(name, entry.value(QStringLiteral("vars")).toObject());
         const QJsonObject states = entry.value(QStringLiteral("states")).toObject();
 
         const QImage normal = render(substitute(svg, vars), pixels);
@@ -117,7 +124,7 @@ int main(int argc, char **argv)
                 QImage image;
                 if (states.contains(state)) {
                     QJsonObject stateVars = vars;
-                    const QJsonObject overrides = states.value(state).toObject();
+                    const QJsonObject overrides = palette.imageVars(name, states.value(state).toObject());
                     for (auto it = overrides.begin(); it != overrides.end(); ++it)
                         stateVars.insert(it.key(), it.value());
                     image = render(substitute(svg, stateVars), pixels);

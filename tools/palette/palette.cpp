@@ -1,0 +1,111 @@
+#include "palette.h"
+
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QRegularExpression>
+
+namespace
+{
+QMap<QString, QString> colorMap(const QJsonObject &object)
+{
+    QMap<QString, QString> map;
+    for (auto it = object.begin(); it != object.end(); ++it)
+        map.insert(it.key().toUpper(), it.value().toString());
+    return map;
+}
+}
+
+Palette Palette::load(const QString &path)
+{
+    Palette palette;
+    QFile file(path);
+    if (file.size() > 1024 * 1024 || !file.open(QIODevice::ReadOnly))
+        return palette;
+    const QJsonObject root = QJsonDocument::fromJson(file.readAll()).object();
+    palette.fill = colorMap(root.value(QLatin1String("fill")).toObject());
+    palette.text = colorMap(root.value(QLatin1String("text")).toObject());
+    palette.svg = colorMap(root.value(QLatin1String("svg")).toObject());
+    for (const QJsonValue &key : root.value(QLatin1String("keep")).toArray())
+        palette.keep << key.toString();
+    palette.vars = root.value(QLatin1String("vars")).toObject();
+    palette.images = root.value(QLatin1String("images")).toObject();
+    return palette;
+}
+
+bool Palette::isEmpty() const
+{
+    return fill.isEmpty() && text.isEmpty() && svg.isEmpty() && vars.isEmpty() && images.isEmpty();
+}
+
+QString Palette::mapColors(const QString &text, const QMap<QString, QString> &map)
+{
+    static const QRegularExpression hex(QStringLiteral("#(?:[0-9a-fA-F]{8}|[0-9a-fA-F]{6})\\b"));
+    QString result;
+    qsizetype last = 0;
+    for (auto it = hex.globalMatch(text); it.hasNext();) {
+        const auto m = it.next();
+        result += QStringView(text).mid(last, m.capturedStart() - last);
+        result += map.value(m.captured().toUpper(), m.captured());
+        last = m.capturedEnd();
+    }
+    result += QStringView(text).mid(last);
+    return result;
+}
+
+QString Palette::recolor(const QString &color, bool isText) const
+{
+    return mapColors(color, isText ? text : fill);
+}
+
+QString Palette::recolorSheet(const QString &sheet) const
+{
+    // Property names end where a value starts; values end at ";" or "}".
+    static const QRegularExpression declaration(QStringLiteral("([A-Za-z-]+)\\s*:([^;{}]*)"));
+    QString result;
+    qsizetype last = 0;
+    for (auto it = declaration.globalMatch(sheet); it.hasNext();) {
+        const auto m = it.next();
+        const QString property = m.captured(1).toLower();
+        const bool isText = property == QLatin1String("color") || property == QLatin1String("selection-color");
+        result += QStringView(sheet).mid(last, m.capturedStart(2) - last);
+        result += mapColors(m.captured(2), isText ? text : fill);
+        last = m.capturedEnd(2);
+    }
+    result += QStringView(sheet).mid(last);
+    return result;
+}
+
+QString Palette::recolorStyles(const QString &styles) const
+{
+    QStringList lines = styles.split(QLatin1Char('\n'));
+    bool kept = false;
+    for (QString &line : lines) {
+        const QString trimmed = line.trimmed();
+        if (trimmed.startsWith(QLatin1String("==")) && trimmed.endsWith(QLatin1String("=="))) {
+            kept = keep.contains(QString(trimmed).remove(QLatin1Char('=')).remove(QLatin1Char(' ')));
+            continue;
+        }
+        if (!kept)
+            line = recolorSheet(line);
+    }
+    return lines.join(QLatin1Char('\n'));
+}
+
+QString Palette::recolorSvg(const QString &source) const
+{
+    return mapColors(source, svg);
+}
+
+QJsonObject Palette::imageVars(const QString &name, QJsonObject imageVars) const
+{
+    for (auto it = imageVars.begin(); it != imageVars.end(); ++it)
+        it.value() = recolorSvg(it.value().toString());
+    for (auto it = vars.begin(); it != vars.end(); ++it)
+        if (imageVars.contains(it.key()))
+            imageVars.insert(it.key(), it.value());
+    const QJsonObject own = images.value(name).toObject();
+    for (auto it = own.begin(); it != own.end(); ++it)
+        imageVars.insert(it.key(), it.value());
+    return imageVars;
+}
