@@ -14,6 +14,13 @@ QMap<QString, QString> colorMap(const QJsonObject &object)
         map.insert(it.key().toUpper(), it.value().toString());
     return map;
 }
+
+// Property names end where a value starts; values end at ";" or "}".
+const QRegularExpression &declarationPattern()
+{
+    static const QRegularExpression declaration(QStringLiteral("([A-Za-z-]+)\\s*:([^;{}]*)"));
+    return declaration;
+}
 }
 
 Palette Palette::load(const QString &path)
@@ -62,11 +69,9 @@ QString Palette::recolor(const QString &color, bool isText) const
 
 QString Palette::recolorSheet(const QString &sheet) const
 {
-    // Property names end where a value starts; values end at ";" or "}".
-    static const QRegularExpression declaration(QStringLiteral("([A-Za-z-]+)\\s*:([^;{}]*)"));
     QString result;
     qsizetype last = 0;
-    for (auto it = declaration.globalMatch(sheet); it.hasNext();) {
+    for (auto it = declarationPattern().globalMatch(sheet); it.hasNext();) {
         const auto m = it.next();
         const QString property = m.captured(1).toLower();
         const bool isText = property == QLatin1String("color") || property == QLatin1String("selection-color");
@@ -121,14 +126,13 @@ QString Palette::unmappedRules(const QString &section) const
         if (close < 0)
             break;
         QStringList declarations;
-        for (const QString &declaration : text.mid(open + 1, close - open - 1).split(QLatin1Char(';'))) {
-            const qsizetype colon = declaration.indexOf(QLatin1Char(':'));
-            const QString property = declaration.left(colon).simplified().toLower();
-            const QString value = declaration.mid(colon + 1);
+        // Text before a declaration (an argument placeholder) stays with the plain rule.
+        for (auto it = declarationPattern().globalMatch(QStringView(text).mid(open + 1, close - open - 1)); it.hasNext();) {
+            const auto m = it.next();
+            const QString property = m.captured(1).toLower(), value = m.captured(2);
             // Colours, and the backgrounds that decide which colours show (even a transparent one).
-            if (colon > 0 &&
-                (value.contains(QLatin1Char('#')) || value.contains(QLatin1String("TMPIMG_LOC/")) || property == QLatin1String("color") ||
-                 property.startsWith(QLatin1String("background"))))
+            if (value.contains(QLatin1Char('#')) || value.contains(QLatin1String("TMPIMG_LOC/")) || property == QLatin1String("color") ||
+                property.startsWith(QLatin1String("background")))
                 declarations << property + QLatin1String(": ") +
                         QString(value).replace(image, unmappedName(QStringLiteral("\\1")) + QLatin1String(".png")).simplified();
         }
