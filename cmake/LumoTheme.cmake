@@ -30,7 +30,7 @@ function(lumo_add_theme name)
 
   file(GLOB svgs CONFIGURE_DEPENDS ${src}/images-src/*.svg)
   set(stamp ${CMAKE_CURRENT_BINARY_DIR}/images.stamp)
-  add_custom_command(OUTPUT ${stamp}
+  add_custom_command(OUTPUT ${stamp} ${manifest_args}
     COMMAND ${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen ASAN_OPTIONS=detect_leaks=0
             $<TARGET_FILE:lumo_rasterize> ${src}/images-src/sources.json ${src}/images-src ${out}/images
             ${src}/images.json ${palette_args} ${manifest_args}
