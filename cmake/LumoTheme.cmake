@@ -17,24 +17,29 @@ function(lumo_add_theme name)
   set(out ${LUMO_THEMES_BUILD_DIR}/${name})
   set(palette_args)
   set(palette_deps)
+  set(manifest_args)
+  set(copies captions/* help/*)
   if(T_PALETTE)
     set(palette_args ${CMAKE_CURRENT_SOURCE_DIR}/${T_PALETTE})
     set(palette_deps ${palette_args})
+    # The derived manifest also lists the images the palette adds.
+    set(manifest_args ${out}/images.json)
+  else()
+    list(APPEND copies images.json)
   endif()
 
   file(GLOB svgs CONFIGURE_DEPENDS ${src}/images-src/*.svg)
   set(stamp ${CMAKE_CURRENT_BINARY_DIR}/images.stamp)
-  add_custom_command(OUTPUT ${stamp}
+  add_custom_command(OUTPUT ${stamp} ${manifest_args}
     COMMAND ${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen ASAN_OPTIONS=detect_leaks=0
             $<TARGET_FILE:lumo_rasterize> ${src}/images-src/sources.json ${src}/images-src ${out}/images
-            ${src}/images.json ${palette_args}
+            ${src}/images.json ${palette_args} ${manifest_args}
     COMMAND ${CMAKE_COMMAND} -E touch ${stamp}
     DEPENDS lumo_rasterize ${svgs} ${src}/images-src/sources.json ${src}/images.json ${palette_deps}
     COMMENT "Rasterising the ${name} theme's images"
     VERBATIM)
   set(outputs ${stamp})
 
-  set(copies images.json captions/* help/*)
   if(T_PALETTE)
     file(GLOB qss CONFIGURE_DEPENDS ${src}/styles/*.qss)
     set(styles_stamp ${CMAKE_CURRENT_BINARY_DIR}/styles.stamp)

@@ -1,10 +1,16 @@
 // The theme catalogue against the names the sources request, and lumo-theme-check
-// on the shipped themes and on broken copies of the default one.
+// on the shipped themes and on broken copies of the default one; the dark theme's
+// look inside the white sheets.
 
+#include "gallery.h"
 #include "resources/registries_p.h"
 
+#include <lumo/lumo.h>
+
 #include <QDirIterator>
+#include <QLineEdit>
 #include <QProcess>
+#include <QPushButton>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -14,9 +20,15 @@ class TestThemes : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase() { gallery::startUp({QStringLiteral(LUMO_THEMES_DIR "/dark"), userData.path(), QStringLiteral("enu")}); }
     void catalogueMatchesTheSources();
     void checkTheme_data();
     void checkTheme();
+    void darkThemeKeepsSheetsLight_data();
+    void darkThemeKeepsSheetsLight();
+
+private:
+    QTemporaryDir userData;
 };
 
 namespace
@@ -121,9 +133,15 @@ void TestThemes::checkTheme_data()
                                   << "contrast QLabel in component.label: #777777 on #888888 is 1.";
     QTest::newRow("low contrast on hover") << "dark"
                                            << "styles/buttons.qss"
-                                           << "#2B66DC"
-                                           << "#9DB8F5"
+                                           << "\nQPushButton:hover { background-color: #2B66DC"
+                                           << "\nQPushButton:hover { background-color: #9DB8F5"
                                            << "contrast QPushButton:hover in component.apply_button: #FFFFFF on #9DB8F5";
+    QTest::newRow("low contrast inside a sheet")
+        << "dark"
+        << "styles/buttons.qss"
+        << "LumoVerticalScrollArea QPushButton:hover { background-color: #2B66DC"
+        << "LumoVerticalScrollArea QPushButton:hover { background-color: #9DB8F5"
+        << "contrast LumoSheet QPushButton:hover, LumoVerticalScrollArea QPushButton:hover in component.apply_button: #FFFFFF";
     QTest::newRow("translucent background") << "default"
                                             << "styles/views.qss"
                                             << ""
@@ -162,6 +180,51 @@ void TestThemes::checkTheme()
     QCOMPARE(check.exitCode(), reported.isEmpty() ? 0 : 1);
     QVERIFY2(output.contains(reported.isEmpty() ? QStringLiteral("Gaps: 0\n") : QStringLiteral("Gaps: 1\n")) && output.contains(reported),
              qPrintable(output));
+}
+
+void TestThemes::darkThemeKeepsSheetsLight_data()
+{
+    QTest::addColumn<QString>("styleKey");
+    QTest::addColumn<QColor>("inside"); // the light theme's background
+    QTest::addColumn<QColor>("outside"); // the dark theme's
+    QTest::newRow("cancel button") << "component.cancel_button" << QColor(0xFF, 0xFF, 0xFF) << QColor(0x2B, 0x2D, 0x30);
+    QTest::newRow("line edit") << "component.lineedit" << QColor(0xFF, 0xFF, 0xFF) << QColor(0x2B, 0x2D, 0x30);
+}
+
+void TestThemes::darkThemeKeepsSheetsLight()
+{
+    QFETCH(QString, styleKey);
+    QFETCH(QColor, inside);
+    QFETCH(QColor, outside);
+    // The background is the colour most pixels of the widget show.
+    const auto background = [](QWidget *widget) {
+        const QImage image = widget->grab().toImage();
+        QHash<QRgb, int> counts;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                ++counts[image.pixel(x, y)];
+        return QColor(std::max_element(counts.begin(), counts.end()).key());
+    };
+    const auto widgetIn = [&](QWidget *parent) -> QWidget * {
+        if (styleKey == QLatin1String("component.lineedit"))
+            return parent->findChild<QLineEdit *>();
+        return parent->findChildren<QPushButton *>().value(1);
+    };
+    QWidget window;
+    window.resize(600, 400);
+    auto *sheet = new LumoInputSheet(QStringLiteral("Name:"), &window);
+    auto *plain = new QWidget(&window);
+    new QLineEdit(plain);
+    new QPushButton(plain);
+    new QPushButton(plain);
+    window.show();
+    sheet->show();
+    QWidget *own = widgetIn(sheet), *twin = widgetIn(plain);
+    QVERIFY(own && twin && own->styleSheet() == getStyleSheet(styleKey, false));
+    twin->setStyleSheet(own->styleSheet());
+    twin->resize(own->size());
+    QCOMPARE(background(own), inside);
+    QCOMPARE(background(twin), outside);
 }
 
 QTEST_MAIN(TestThemes)

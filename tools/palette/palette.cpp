@@ -14,6 +14,13 @@ QMap<QString, QString> colorMap(const QJsonObject &object)
         map.insert(it.key().toUpper(), it.value().toString());
     return map;
 }
+
+// Property names end where a value starts; values end at ";" or "}".
+const QRegularExpression &declarationPattern()
+{
+    static const QRegularExpression declaration(QStringLiteral("([A-Za-z-]+)\\s*:([^;{}]*)"));
+    return declaration;
+}
 }
 
 Palette Palette::load(const QString &path)
@@ -28,6 +35,8 @@ Palette Palette::load(const QString &path)
     palette.svg = colorMap(root.value(QLatin1String("svg")).toObject());
     for (const QJsonValue &key : root.value(QLatin1String("keep")).toArray())
         palette.keep << key.toString();
+    for (const QJsonValue &scope : root.value(QLatin1String("unmapped_inside")).toArray())
+        palette.unmappedInside << scope.toString();
     palette.vars = root.value(QLatin1String("vars")).toObject();
     palette.images = root.value(QLatin1String("images")).toObject();
     return palette;
@@ -60,11 +69,9 @@ QString Palette::recolor(const QString &color, bool isText) const
 
 QString Palette::recolorSheet(const QString &sheet) const
 {
-    // Property names end where a value starts; values end at ";" or "}".
-    static const QRegularExpression declaration(QStringLiteral("([A-Za-z-]+)\\s*:([^;{}]*)"));
     QString result;
     qsizetype last = 0;
-    for (auto it = declaration.globalMatch(sheet); it.hasNext();) {
+    for (auto it = declarationPattern().globalMatch(sheet); it.hasNext();) {
         const auto m = it.next();
         const QString property = m.captured(1).toLower();
         const bool isText = property == QLatin1String("color") || property == QLatin1String("selection-color");
@@ -78,18 +85,67 @@ QString Palette::recolorSheet(const QString &sheet) const
 
 QString Palette::recolorStyles(const QString &styles) const
 {
-    QStringList lines = styles.split(QLatin1Char('\n'));
-    bool kept = false;
-    for (QString &line : lines) {
+    QStringList result;
+    QString section; // the current section's source text, when it is recoloured
+    bool inSection = false, kept = false;
+    const auto endSection = [&] {
+        if (const QString rules = inSection && !kept ? unmappedRules(section) : QString(); !rules.isEmpty())
+            result << rules;
+        section.clear();
+    };
+    for (const QString &line : styles.split(QLatin1Char('\n'))) {
         const QString trimmed = line.trimmed();
         if (trimmed.startsWith(QLatin1String("==")) && trimmed.endsWith(QLatin1String("=="))) {
+            endSection();
+            inSection = true;
             kept = keep.contains(QString(trimmed).remove(QLatin1Char('=')).remove(QLatin1Char(' ')));
+            result << line;
             continue;
         }
-        if (!kept)
-            line = recolorSheet(line);
+        section += line + QLatin1Char('\n');
+        result << (kept ? line : recolorSheet(line));
     }
-    return lines.join(QLatin1Char('\n'));
+    endSection();
+    return result.join(QLatin1Char('\n'));
+}
+
+// A copy of each rule scoped to the unmapped ancestors, holding the rule's colours and images as the
+// source theme has them. The scoped selector is more specific than the plain one, so it wins inside
+// those ancestors whatever the order, and keeps the source theme's order among the copies.
+QString Palette::unmappedRules(const QString &section) const
+{
+    if (unmappedInside.isEmpty())
+        return QString();
+    static const QRegularExpression comment(QStringLiteral("/\\*.*?\\*/"), QRegularExpression::DotMatchesEverythingOption);
+    static const QRegularExpression image(QStringLiteral("(TMPIMG_LOC/tmp_[^/)\"'\\s]+)\\.png"));
+    const QString text = QString(section).remove(comment);
+    QString rules;
+    for (qsizetype start = 0;;) {
+        const qsizetype open = text.indexOf(QLatin1Char('{'), start);
+        const qsizetype close = open < 0 ? -1 : text.indexOf(QLatin1Char('}'), open);
+        if (close < 0)
+            break;
+        QStringList declarations;
+        // Text before a declaration (an argument placeholder) stays with the plain rule.
+        for (auto it = declarationPattern().globalMatch(QStringView(text).mid(open + 1, close - open - 1)); it.hasNext();) {
+            const auto m = it.next();
+            const QString property = m.captured(1).toLower(), value = m.captured(2);
+            // Colours, and the backgrounds that decide which colours show (even a transparent one).
+            if (value.contains(QLatin1Char('#')) || value.contains(QLatin1String("TMPIMG_LOC/")) || property == QLatin1String("color") ||
+                property.startsWith(QLatin1String("background")))
+                declarations << property + QLatin1String(": ") +
+                        QString(value).replace(image, unmappedName(QStringLiteral("\\1")) + QLatin1String(".png")).simplified();
+        }
+        QStringList selectors;
+        for (const QString &selector : text.mid(start, open - start).split(QLatin1Char(','), Qt::SkipEmptyParts))
+            for (const QString &scope : unmappedInside)
+                selectors << scope + QLatin1Char(' ') + selector.simplified();
+        if (!declarations.isEmpty() && !selectors.isEmpty())
+            rules += selectors.join(QLatin1String(", ")) + QLatin1String(" { ") + declarations.join(QLatin1String("; ")) +
+                QLatin1String("; }\n");
+        start = close + 1;
+    }
+    return rules;
 }
 
 QString Palette::recolorSvg(const QString &source) const

@@ -9,6 +9,9 @@
 //   "svg":   colours in image sources and their variables
 //   "vars":  image source variables set for every image that has them
 //   "images": per image name, variables set last, after every other mapping
+//   "unmapped_inside": widget classes (white panels in every theme) whose descendants
+//            keep the source theme's colours: each style rule gets a copy scoped to
+//            them, and each temporary image an unmapped copy named by unmappedName()
 // Colours are "#RRGGBB" (or "#AARRGGBB") and match without regard to case.
 
 #include <QJsonObject>
@@ -32,12 +35,16 @@ public:
     QString recolorSvg(const QString &svg) const;
     /** The variables of the image @p name after the svg map and the overrides. */
     QJsonObject imageVars(const QString &name, QJsonObject vars) const;
+    /** Whether some widgets keep the source theme's look, and so need unmapped image copies. */
+    bool hasUnmappedScopes() const { return !unmappedInside.isEmpty(); }
+    static QString unmappedName(const QString &image) { return image + QLatin1String("_unmapped"); }
 
 private:
     static QString mapColors(const QString &text, const QMap<QString, QString> &map);
+    QString unmappedRules(const QString &section) const;
 
     QMap<QString, QString> fill, text, svg;
-    QStringList keep;
+    QStringList keep, unmappedInside;
     QJsonObject vars, images;
 };
 

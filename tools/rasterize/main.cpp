@@ -1,6 +1,6 @@
 // Rasterises the theme's vector sources into the PNG files the image registry loads.
 //
-// Usage: lumo_rasterize <sources.json> <svg folder> <output folder> <images.json> [palette.json]
+// Usage: lumo_rasterize <sources.json> <svg folder> <output folder> <images.json> [palette.json output-images.json]
 //
 // Every entry of sources.json names an image, its SVG file, its display size and
 // the @VARIABLE@ values substituted into the SVG text. Images are drawn at four
@@ -8,7 +8,9 @@
 // "_click" and "_disable" files are written too: from the entry's per-state
 // variables where it gives them, otherwise by tinting the normal rendering.
 // A palette derives another theme's images from the same sources: its colour map
-// applies to the SVG text and the variables, its overrides come last.
+// applies to the SVG text and the variables, its overrides come last. A palette that
+// keeps some widgets in the source look also gets each temporary image unmapped, and
+// the derived theme's manifest lists those copies.
 
 #include <QDir>
 #include <QFile>
@@ -85,11 +87,20 @@ int main(int argc, char **argv)
 {
     QGuiApplication app(argc, argv);
     const QStringList args = app.arguments();
-    if (args.size() != 5 && args.size() != 6)
-        return fail(QStringLiteral("usage: lumo_rasterize <sources.json> <svg folder> <output folder> <images.json> [palette.json]"));
+    if (args.size() != 5 && args.size() != 7)
+        return fail(QStringLiteral(
+            "usage: lumo_rasterize <sources.json> <svg folder> <output folder> <images.json> [palette.json output-images.json]"));
     const Palette palette = Palette::load(args.value(5));
-    if (args.size() == 6 && palette.isEmpty())
+    if (args.size() == 7 && palette.isEmpty())
         return fail(QStringLiteral("no colour map in ") + args[5]);
+
+    QFile manifestFile(args[4]);
+    if (!manifestFile.open(QIODevice::ReadOnly))
+        return fail(QStringLiteral("cannot read ") + args[4]);
+    QJsonObject manifest = QJsonDocument::fromJson(manifestFile.readAll()).object();
+    QSet<QString> temporary;
+    for (const QJsonValue &name : manifest.value(QStringLiteral("tmp_images")).toArray())
+        temporary.insert(name.toString().remove(QLatin1Char(' ')));
 
     QFile specFile(args[1]);
     if (!specFile.open(QIODevice::ReadOnly))
@@ -109,8 +120,14 @@ int main(int argc, char **argv)
         QFile svgFile(svgDir.filePath(entry.value(QStringLiteral("svg")).toString()));
         if (name.isEmpty() || pixels.isEmpty() || !svgFile.open(QIODevice::ReadOnly))
             return fail(QStringLiteral("bad entry for \"") + name + QStringLiteral("\" or unreadable ") + svgFile.fileName());
-        const QString svg = palette.recolorSvg(QString::fromUtf8(svgFile.readAll()));
+        const QString source = QString::fromUtf8(svgFile.readAll());
+        const QString svg = palette.recolorSvg(source);
         const QJsonObject vars = palette.imageVars(name, entry.value(QStringLiteral("vars")).toObject());
+        if (palette.hasUnmappedScopes() && temporary.contains(name)) {
+            const QImage unmapped = render(substitute(source, entry.value(QStringLiteral("vars")).toObject()), pixels);
+            if (unmapped.isNull() || !unmapped.save(outDir.filePath(Palette::unmappedName(name) + QStringLiteral(".png"))))
+                return fail(QStringLiteral("cannot write the unmapped ") + name);
+        }
         const QJsonObject states = entry.value(QStringLiteral("states")).toObject();
 
         const QImage normal = render(substitute(svg, vars), pixels);
@@ -138,16 +155,23 @@ int main(int argc, char **argv)
     }
 
     // Every name the manifest lists must have been drawn.
-    QFile manifestFile(args[4]);
-    if (!manifestFile.open(QIODevice::ReadOnly))
-        return fail(QStringLiteral("cannot read ") + args[4]);
-    const QJsonObject manifest = QJsonDocument::fromJson(manifestFile.readAll()).object();
     for (const QString &list : {QStringLiteral("images"), QStringLiteral("tmp_images")}) {
         const QJsonArray names = manifest.value(list).toArray();
         for (const QJsonValue &name : names) {
             if (!produced.contains(name.toString().remove(QLatin1Char(' '))))
                 return fail(QStringLiteral("images.json names \"") + name.toString() + QStringLiteral("\" but no source draws it"));
         }
+    }
+    if (args.size() == 7) {
+        if (palette.hasUnmappedScopes()) {
+            QJsonArray names = manifest.value(QStringLiteral("tmp_images")).toArray();
+            for (const QJsonValue &name : manifest.value(QStringLiteral("tmp_images")).toArray())
+                names.append(Palette::unmappedName(name.toString().remove(QLatin1Char(' '))));
+            manifest.insert(QStringLiteral("tmp_images"), names);
+        }
+        QFile derived(args[6]);
+        if (!derived.open(QIODevice::WriteOnly | QIODevice::Truncate) || derived.write(QJsonDocument(manifest).toJson()) < 0)
+            return fail(QStringLiteral("cannot write ") + args[6]);
     }
     return 0;
 }
