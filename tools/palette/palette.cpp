@@ -120,14 +120,10 @@ QString Palette::unmappedRules(const QString &section) const
     static const QRegularExpression image(QStringLiteral("(TMPIMG_LOC/tmp_[^/)\"'\\s]+)\\.png"));
     const QString text = QString(section).remove(comment);
     QString rules;
-    for (qsizetype start = 0;;) {
-        const qsizetype open = text.indexOf(QLatin1Char('{'), start);
-        const qsizetype close = open < 0 ? -1 : text.indexOf(QLatin1Char('}'), open);
-        if (close < 0)
-            break;
+    forEachStyleRule(text, [&](const QString &selectorText, const QString &body) {
         QStringList declarations;
         // Text before a declaration (an argument placeholder) stays with the plain rule.
-        for (auto it = declarationPattern().globalMatch(QStringView(text).mid(open + 1, close - open - 1)); it.hasNext();) {
+        for (auto it = declarationPattern().globalMatch(body); it.hasNext();) {
             const auto m = it.next();
             const QString property = m.captured(1).toLower(), value = m.captured(2);
             // Colours, and the backgrounds that decide which colours show (even a transparent one).
@@ -137,14 +133,13 @@ QString Palette::unmappedRules(const QString &section) const
                         QString(value).replace(image, unmappedName(QStringLiteral("\\1")) + QLatin1String(".png")).simplified();
         }
         QStringList selectors;
-        for (const QString &selector : text.mid(start, open - start).split(QLatin1Char(','), Qt::SkipEmptyParts))
+        for (const QString &selector : selectorText.split(QLatin1Char(','), Qt::SkipEmptyParts))
             for (const QString &scope : unmappedInside)
                 selectors << scope + QLatin1Char(' ') + selector.simplified();
         if (!declarations.isEmpty() && !selectors.isEmpty())
             rules += selectors.join(QLatin1String(", ")) + QLatin1String(" { ") + declarations.join(QLatin1String("; ")) +
                 QLatin1String("; }\n");
-        start = close + 1;
-    }
+    });
     return rules;
 }
 

@@ -19,6 +19,20 @@
 #include <QString>
 #include <QStringList>
 
+// Calls fn(selectors, body) for every "selectors { body }" of style text, in order. A plain
+// scan rather than a pattern: hostile text without braces stays linear.
+template<typename Fn> void forEachStyleRule(const QString &text, Fn fn)
+{
+    for (qsizetype start = 0;;) {
+        const qsizetype open = text.indexOf(QLatin1Char('{'), start);
+        const qsizetype close = open < 0 ? -1 : text.indexOf(QLatin1Char('}'), open);
+        if (close < 0)
+            return;
+        fn(text.mid(start, open - start), text.mid(open + 1, close - open - 1));
+        start = close + 1;
+    }
+}
+
 class Palette
 {
 public:

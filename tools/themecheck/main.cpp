@@ -7,6 +7,7 @@
 // colour and background are less than 4.5:1 apart. Exits 1 on any gap (extras
 // are reported but pass), 2 when DIR is not a folder.
 
+#include "palette.h"
 #include "resources/registries_p.h"
 
 #include <QCoreApplication>
@@ -126,14 +127,9 @@ int checkContrast(const QString &key, const QString &section, Findings &findings
     };
     QList<std::pair<QString, Look>> rules;
     QMap<QString, Look> bySelector;
-    // A plain scan rather than a pattern: hostile text without braces must stay linear.
-    for (qsizetype start = 0;;) {
-        const qsizetype open = section.indexOf(QLatin1Char('{'), start);
-        const qsizetype close = open < 0 ? -1 : section.indexOf(QLatin1Char('}'), open);
-        if (close < 0)
-            break;
+    forEachStyleRule(section, [&](const QString &selectors, const QString &body) {
         Look look;
-        for (const QString &declaration : section.mid(open + 1, close - open - 1).split(QLatin1Char(';'))) {
+        for (const QString &declaration : body.split(QLatin1Char(';'))) {
             const qsizetype colon = declaration.indexOf(QLatin1Char(':'));
             const QString property = declaration.left(colon).trimmed().toLower();
             if (colon < 0)
@@ -143,10 +139,9 @@ int checkContrast(const QString &key, const QString &section, Findings &findings
             else if (property == QLatin1String("background") || property == QLatin1String("background-color"))
                 look.background = declaration.mid(colon + 1).trimmed();
         }
-        rules.append({section.mid(start, open - start).simplified(), look});
+        rules.append({selectors.simplified(), look});
         bySelector.insert(rules.last().first, look);
-        start = close + 1;
-    }
+    });
     int checked = 0;
     for (const auto &[selector, own] : std::as_const(rules)) {
         if (selector.contains(QLatin1String(":disabled")) || (own.color.isEmpty() && own.background.isEmpty()))
