@@ -72,7 +72,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         // Until every download has been answered and its file written: a finished
         // download starts the next waiting one at once, so a quiet spell means all are done.
         server->lastActivity.start();
-        fuzzsupport::spin([] { return server->open == 0 && server->lastActivity.elapsed() > 100; }, 3000);
+        fuzzsupport::spin([] { return server->open == 0 && server->lastActivity.elapsed() > 5; }, 3000);
     }
     delete browser;
     fuzzsupport::check(fuzzsupport::filesOutside(allowed) == before, "a help page wrote outside the image cache");

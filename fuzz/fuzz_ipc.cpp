@@ -33,7 +33,7 @@ void send(const QString &path, const QByteArray &bytes, int piece, bool abandon)
         return;
     }
     // A complete frame is answered at once; anything else would wait for the primary's time-out.
-    fuzzsupport::spin([&] { return socket.state() == QLocalSocket::UnconnectedState; }, 20);
+    fuzzsupport::spin([&] { return socket.state() == QLocalSocket::UnconnectedState; }, 5);
     socket.disconnectFromServer();
 }
 }
