@@ -75,6 +75,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         fuzzsupport::spin([] { return server->open == 0 && server->lastActivity.elapsed() > 5; }, 3000);
     }
     delete browser;
+    fuzzsupport::deleteLaterObjects(); // the downloads' network managers
     fuzzsupport::check(fuzzsupport::filesOutside(allowed) == before, "a help page wrote outside the image cache");
     QDir(HtmlTextBrowser::imageCacheFolder()).removeRecursively();
     return 0;

@@ -15,9 +15,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     }();
     const QString path = QString::fromUtf8(fuzzsupport::bytes(data, size));
     bar->refresh(path);
-    // The old segment buttons go through deleteLater(); without an event loop they would pile up.
     QCoreApplication::processEvents();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    fuzzsupport::deleteLaterObjects(); // the old segment buttons
     const QStringList segments = path.split(QLatin1Char('/'), Qt::SkipEmptyParts);
     const int last = int(segments.size()) * 2 - 2;
     // The whole path back, without its empty segments.

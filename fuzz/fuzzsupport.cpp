@@ -98,4 +98,9 @@ void processEventsFor(int milliseconds)
 {
     spin([] { return false; }, milliseconds);
 }
+
+void deleteLaterObjects()
+{
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
 }

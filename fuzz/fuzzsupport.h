@@ -28,6 +28,8 @@ void check(bool condition, const char *what);
 /** Runs the event loop until @p done returns true or @p milliseconds passed. */
 template<typename F> void spin(F &&done, int milliseconds);
 void processEventsFor(int milliseconds);
+/** Deletes what deleteLater() left: processEvents() outside an event loop never does, and it would pile up. */
+void deleteLaterObjects();
 }
 
 #include <QCoreApplication>
