@@ -8,6 +8,7 @@
 #include <QDialogButtonBox>
 #include <QHBoxLayout>
 #include <QMovie>
+#include <QPicture>
 #include <QPushButton>
 #include <QResizeEvent>
 #include <QScrollArea>
@@ -36,12 +37,83 @@ void sizeButton(QAbstractButton *button)
 // MessageLabel, DialogButtonBoxStyle
 // ---------------------------------------------------------------------------
 
+bool MessageLabelPrivate::Inputs::operator==(const Inputs &other) const
+{
+    return text == other.text && font == other.font && alignment == other.alignment && wordWrap == other.wordWrap &&
+        format == other.format && interaction == other.interaction && direction == other.direction && indent == other.indent &&
+        margin == other.margin && frameWidth == other.frameWidth && contents == other.contents && maximumWidth == other.maximumWidth &&
+        buddy == other.buddy && dpiX == other.dpiX && dpiY == other.dpiY;
+}
+
+void MessageLabelPrivate::follow(const QLabel *label)
+{
+    Inputs now;
+    now.text = label->text();
+    now.font = label->font();
+    now.alignment = label->alignment();
+    now.wordWrap = label->wordWrap();
+    now.format = label->textFormat();
+    now.interaction = label->textInteractionFlags();
+    now.direction = label->layoutDirection();
+    now.indent = label->indent();
+    now.margin = label->margin();
+    now.frameWidth = label->frameWidth();
+    now.contents = label->contentsMargins();
+    now.maximumWidth = label->maximumWidth();
+    now.buddy = label->buddy() != nullptr;
+    now.dpiX = label->logicalDpiX();
+    now.dpiY = label->logicalDpiY();
+    if (followed && now == inputs)
+        return;
+    inputs = now;
+    followed = true;
+    heights.clear();
+}
+
+namespace
+{
+// Only text is kept: an image's size is cheap to ask for and has inputs of its own.
+bool showsText(const QLabel *label)
+{
+    return label->pixmap().isNull() && !label->movie() && label->picture().isNull();
+}
+}
+
 MessageLabel::MessageLabel(QWidget *parent)
     : QLabel(parent)
+    , d(new MessageLabelPrivate)
 {
 }
 
-MessageLabel::~MessageLabel() = default;
+MessageLabel::~MessageLabel()
+{
+    delete d;
+}
+
+int MessageLabel::heightForWidth(int width) const
+{
+    if (!showsText(this))
+        return QLabel::heightForWidth(width);
+    d->follow(this);
+    const int minimum = minimumHeight();
+    for (const MessageLabelPrivate::Height &kept : std::as_const(d->heights)) {
+        if (kept.width != width)
+            continue;
+        // QLabel answers max(natural, minimum height): the natural height is known when
+        // the answer exceeded the minimum of its time or there was none, and cannot
+        // matter when the minimum now is at least that one.
+        if (kept.answer > kept.minimum || kept.minimum <= 0)
+            return std::max(kept.answer, minimum);
+        if (minimum >= kept.minimum)
+            return minimum;
+    }
+    const int height = QLabel::heightForWidth(width);
+    d->heights.removeIf([width](const MessageLabelPrivate::Height &kept) { return kept.width == width; });
+    if (d->heights.size() >= 8)
+        d->heights.removeFirst();
+    d->heights.append({width, height, minimum});
+    return height;
+}
 
 void MessageLabel::resizeEvent(QResizeEvent *event)
 {
