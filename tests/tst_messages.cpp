@@ -431,6 +431,40 @@ private Q_SLOTS:
         }
     }
 
+    void settersTwiceLookAsOnce_data()
+    {
+        // A sheet built as "start" and given the setters once looks like one given them twice.
+        QTest::addColumn<LumoMessageSheet::MessageType>("start");
+        QTest::addColumn<LumoMessageSheet::MessageType>("type"); // for setMessageType
+        QTest::addColumn<bool>("icon"); // for setIconVisible
+        using S = LumoMessageSheet;
+        QTest::newRow("type") << S::Information << S::ConfirmWithReset << true;
+        QTest::newRow("type to processing") << S::Warning << S::AppNotice << true;
+        QTest::newRow("icon off") << S::Warning << S::Warning << false;
+    }
+
+    void settersTwiceLookAsOnce()
+    {
+        QFETCH(LumoMessageSheet::MessageType, start);
+        QFETCH(LumoMessageSheet::MessageType, type);
+        QFETCH(bool, icon);
+        QWidget parent;
+        parent.resize(px(800), px(600));
+        const QString text = str("A text long enough to wrap onto a second line of the sheet at its width, surely.");
+        LumoMessageSheet once(start, text, &parent), twice(start, text, &parent);
+        for (LumoMessageSheet *sheet : {&once, &twice, &twice}) {
+            sheet->setMessageType(type);
+            sheet->setIconVisible(icon);
+        }
+        parent.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&parent));
+        once.showSheet();
+        twice.showSheet();
+        QApplication::processEvents();
+        QCOMPARE(twice.size(), once.size());
+        QCOMPARE(twice.grab().toImage(), once.grab().toImage());
+    }
+
     void tabCycles_data()
     {
         QTest::addColumn<bool>("doubleConfirm");

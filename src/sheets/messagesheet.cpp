@@ -23,6 +23,13 @@ bool canTakeFocus(const QWidget *widget)
     return widget && widget->focusPolicy() != Qt::NoFocus && widget->isEnabled() && widget->isVisible();
 }
 
+// Setting a widget's style sheet re-polishes it and all its children, even to the same text.
+void restyle(QWidget *widget, const QString &styleSheet)
+{
+    if (widget->styleSheet() != styleSheet)
+        widget->setStyleSheet(styleSheet);
+}
+
 void sizeButton(QAbstractButton *button)
 {
     // Polished first: a min-height in the button's style sheet is applied at polish
@@ -201,6 +208,19 @@ void LumoMessageSheetPrivate::initialize(const MsgBoxCustomBtnText &texts)
     if (!showIcon)
         iconLabel->clear();
 
+    // The sheet's look and the box's proxy style come before the buttons: a button
+    // styled first is polished again by each of them. On a later run both are in
+    // place already, and setting them again would only re-polish the whole sheet.
+    const bool processing = messageType == LumoMessageSheet::AppNotice || messageType == LumoMessageSheet::Processing;
+    restyle(q, lumo::style(processing ? "component.message_sheet_processing" : "component.message_sheet_other"));
+    if (!buttonStyle) {
+        buttonStyle = new DialogButtonBoxStyle;
+        buttonBox->setStyle(buttonStyle);
+    }
+    // Unique: initialize() runs again on every type, icon or check box change, and a
+    // second connection would end the sheet twice per click.
+    QObject::connect(buttonBox, SIGNAL(clicked(QAbstractButton *)), q, SLOT(buttonClick(QAbstractButton *)), Qt::UniqueConnection);
+
     buttonBox->setStandardButtons(buttons);
     QPushButton *ok = buttonBox->button(QDialogButtonBox::Ok);
     QPushButton *apply = buttonBox->button(QDialogButtonBox::Apply);
@@ -232,32 +252,16 @@ void LumoMessageSheetPrivate::initialize(const MsgBoxCustomBtnText &texts)
             sizeButton(discard);
     }
 
-    const bool processing = messageType == LumoMessageSheet::AppNotice || messageType == LumoMessageSheet::Processing;
-    q->setStyleSheet(lumo::style(processing ? "component.message_sheet_processing" : "component.message_sheet_other"));
-
-    // Unique: initialize() runs again on every type, icon or check box change, and a
-    // second connection would end the sheet twice per click.
-    QObject::connect(buttonBox, SIGNAL(clicked(QAbstractButton *)), q, SLOT(buttonClick(QAbstractButton *)), Qt::UniqueConnection);
-    DialogButtonBoxStyle *previousStyle = buttonStyle;
-    buttonStyle = new DialogButtonBoxStyle;
-    buttonBox->setStyle(buttonStyle);
-    delete previousStyle;
-    // The new styles re-polished the buttons: pin their sizes again.
-    for (QPushButton *button : {ok, apply, discard}) {
-        if (button)
-            sizeButton(button);
-    }
-
     initCheckBox();
     setupLayout();
 
     if (textLabel) {
         textLabel->installEventFilter(q);
-        textLabel->setStyleSheet(lumo::style("component.message_sheet_text"));
+        restyle(textLabel, lumo::style("component.message_sheet_text"));
     }
     if (informativeLabel) {
         informativeLabel->installEventFilter(q);
-        informativeLabel->setStyleSheet(lumo::style("component.message_sheet_informative_text"));
+        restyle(informativeLabel, lumo::style("component.message_sheet_informative_text"));
     }
     for (QPushButton *button : {ok, apply, discard, reset}) {
         if (button)
