@@ -29,6 +29,41 @@ QString str(const char *s)
     return QString::fromUtf8(s);
 }
 
+// Changes to a label's text, font and geometry, applied in order by messageLabelMeasuresAsQLabel.
+using LabelChange = QPair<const char *, std::function<void(QLabel *)>>;
+const QList<LabelChange> &labelChanges()
+{
+    static const QList<LabelChange> changes = {
+        {"wrapped selectable text",
+         [](QLabel *l) {
+             l->setWordWrap(true);
+             l->setTextInteractionFlags(Qt::TextSelectableByMouse);
+             l->setText(str("A text long enough to wrap at the narrower of the widths asked for."));
+         }},
+        {"text", [](QLabel *l) { l->setText(l->text() + str(" And <b>some</b> more.")); }},
+        {"font",
+         [](QLabel *l) {
+             QFont font = l->font();
+             font.setPointSizeF(font.pointSizeF() * 1.5);
+             l->setFont(font);
+         }},
+        {"fixed to its own height", [](QLabel *l) { l->setFixedHeight(l->heightForWidth(px(120))); }},
+        {"height freed", [](QLabel *l) { l->setMinimumHeight(0), l->setMaximumHeight(QWIDGETSIZE_MAX); }},
+        {"large minimum", [](QLabel *l) { l->setMinimumSize(px(300), px(200)); }},
+        {"minimum gone, margin", [](QLabel *l) { l->setMinimumSize(0, 0), l->setMargin(px(7)); }},
+        {"indent", [](QLabel *l) { l->setIndent(px(12)); }},
+        {"frame", [](QLabel *l) { l->setFrameStyle(QFrame::Box), l->setLineWidth(3), l->setIndent(-1); }},
+        {"contents margins", [](QLabel *l) { l->setContentsMargins(1, 2, 3, 4); }},
+        {"style sheet", [](QLabel *l) { l->setStyleSheet(str("QLabel { font-size: 20px; padding: 5px; }")); }},
+        {"plain text", [](QLabel *l) { l->setTextFormat(Qt::PlainText); }},
+        {"right to left", [](QLabel *l) { l->setLayoutDirection(Qt::RightToLeft); }},
+        {"not selectable", [](QLabel *l) { l->setTextInteractionFlags(Qt::NoTextInteraction); }},
+        {"maximum width", [](QLabel *l) { l->setMaximumWidth(px(150)); }},
+        {"unwrapped", [](QLabel *l) { l->setWordWrap(false); }},
+    };
+    return changes;
+}
+
 // A shown, active window with a focusable button of its own behind the sheets.
 std::unique_ptr<QWidget> makeWindow()
 {
@@ -367,6 +402,67 @@ private Q_SLOTS:
         sheet.setMessageType(LumoMessageSheet::MessageType(42));
         QVERIFY(sheet.findChild<QDialogButtonBox *>()->buttons().isEmpty());
         QCOMPARE(sheet.styleSheet(), getStyleSheet("component.message_sheet_other", false));
+    }
+
+    void messageLabelMeasuresAsQLabel_data()
+    {
+        QTest::addColumn<int>("steps"); // how many of labelChanges() are applied, in order
+        for (int i = 0; i < int(labelChanges().size()); ++i)
+            QTest::newRow(labelChanges().at(i).first) << i + 1;
+    }
+
+    void messageLabelMeasuresAsQLabel()
+    {
+        // A message label keeps its size answers; whatever changes must reach them.
+        QFETCH(int, steps);
+        MessageLabel kept;
+        QLabel plain;
+        for (int i = 0; i < steps; ++i) {
+            for (QLabel *label : {static_cast<QLabel *>(&kept), &plain})
+                labelChanges().at(i).second(label);
+            QCOMPARE(kept.sizeHint(), plain.sizeHint()); // asked between the changes too, to be kept
+            QCOMPARE(kept.heightForWidth(px(120)), plain.heightForWidth(px(120)));
+        }
+        for (int round = 0; round < 2; ++round) {
+            QCOMPARE(kept.sizeHint(), plain.sizeHint());
+            QCOMPARE(kept.minimumSizeHint(), plain.minimumSizeHint());
+            for (int width : {0, px(120), px(400), QWIDGETSIZE_MAX})
+                QCOMPARE(kept.heightForWidth(width), plain.heightForWidth(width));
+        }
+    }
+
+    void settersTwiceLookAsOnce_data()
+    {
+        // A sheet built as "start" and given the setters once looks like one given them twice.
+        QTest::addColumn<LumoMessageSheet::MessageType>("start");
+        QTest::addColumn<LumoMessageSheet::MessageType>("type"); // for setMessageType
+        QTest::addColumn<bool>("icon"); // for setIconVisible
+        using S = LumoMessageSheet;
+        QTest::newRow("type") << S::Information << S::ConfirmWithReset << true;
+        QTest::newRow("type to processing") << S::Warning << S::AppNotice << true;
+        QTest::newRow("icon off") << S::Warning << S::Warning << false;
+    }
+
+    void settersTwiceLookAsOnce()
+    {
+        QFETCH(LumoMessageSheet::MessageType, start);
+        QFETCH(LumoMessageSheet::MessageType, type);
+        QFETCH(bool, icon);
+        QWidget parent;
+        parent.resize(px(800), px(600));
+        const QString text = str("A text long enough to wrap onto a second line of the sheet at its width, surely.");
+        LumoMessageSheet once(start, text, &parent), twice(start, text, &parent);
+        for (LumoMessageSheet *sheet : {&once, &twice, &twice}) {
+            sheet->setMessageType(type);
+            sheet->setIconVisible(icon);
+        }
+        parent.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&parent));
+        once.showSheet();
+        twice.showSheet();
+        QApplication::processEvents();
+        QCOMPARE(twice.size(), once.size());
+        QCOMPARE(twice.grab().toImage(), once.grab().toImage());
     }
 
     void tabCycles_data()

@@ -360,11 +360,20 @@ private Q_SLOTS:
         QFETCH(QString, path);
         QFETCH(QStringList, texts);
         QFETCH(QString, fullPath);
+        // A font on the row reaches the buttons' text but not their measured widths.
+        QFont font = QApplication::font();
+        font.setPointSizeF(font.pointSizeF() * 1.5);
         PathWindow w;
+        w.bar->viewport()->setFont(font);
         QVERIFY(QTest::qWaitForWindowExposed(&w.window));
         w.bar->refresh(QStringLiteral("old/path/first"));
         w.bar->slotUpdatePath(path);
         QTest::qWait(0); // the old row is deleted once control returns
+        PathWindow fresh;
+        fresh.bar->viewport()->setFont(font);
+        fresh.bar->refresh(path);
+        QVERIFY(QTest::qWaitForWindowExposed(&fresh.window));
+        QCOMPARE(w.bar->grab().toImage(), fresh.bar->grab().toImage()); // a rebuild looks like a first build
         const int columns = texts.isEmpty() ? 0 : int(texts.size()) * 2 - 1;
         QCOMPARE(w.bar->columnCount(), columns);
         QCOMPARE(w.bar->viewport()->findChildren<QPushButton *>().size(), columns); // the previous row's buttons are gone

@@ -280,6 +280,8 @@ struct MsgBoxCustomBtnText {
     QString resetText; ///< The Reset button.
 };
 
+class MessageLabelPrivate;
+
 /** A word-wrapped label that always takes exactly the height its text needs at its width. */
 class LUMO_EXPORT MessageLabel : public QLabel
 {
@@ -289,12 +291,16 @@ public:
     explicit MessageLabel(QWidget *parent = nullptr);
     ~MessageLabel() override;
 
+    /** QLabel's, remembered per width for as long as nothing that it is computed from changes. */
+    int heightForWidth(int width) const override;
+
 protected:
     /** Fixes the height to heightForWidth() of the new width. */
     void resizeEvent(QResizeEvent *event) override;
 
 private:
     Q_DISABLE_COPY(MessageLabel)
+    MessageLabelPrivate *d;
 };
 
 /** Proxy style that gives a dialog button box the same (Windows) button order on every platform. */

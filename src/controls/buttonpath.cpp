@@ -142,10 +142,15 @@ void LumoButtonPath::refresh(QString path)
         const QIcon arrowIcon(getGlobalImage(QStringLiteral("bt_next"), ImageManager::Normal));
         const QString arrowStyle = lumo::style("component.button_path_arrow");
         const QString nameStyle = lumo::style("component.button_path_name_button");
+        // Widths are measured with the font of a new parentless button before its
+        // style sheet applies, whatever font the row's viewport passes on.
+        const QFontMetrics metrics(QPushButton().font());
         for (int i = 0; i < segments.size(); ++i) {
             const QString &segment = segments.at(i);
             if (i > 0) {
-                auto *arrow = new QPushButton;
+                // Born in the viewport: a button that setCellWidget() moves there is
+                // polished once for the move and again when shown.
+                auto *arrow = new QPushButton(viewport());
                 arrow->setIcon(arrowIcon);
                 arrow->setFlat(true);
                 arrow->setStyleSheet(arrowStyle);
@@ -154,9 +159,7 @@ void LumoButtonPath::refresh(QString path)
                 setCellWidget(0, 2 * i - 1, arrow);
             }
 
-            auto *button = new QPushButton;
-            // Measured with the font the button has before its style sheet applies.
-            const QFontMetrics metrics(button->font());
+            auto *button = new QPushButton(viewport());
             QString text = segment;
             if (text.contains(QLatin1Char('&')))
                 text.replace(QLatin1Char('&'), QStringLiteral("&&")); // a literal "&", not a mnemonic

@@ -8,6 +8,7 @@
 #include <QDialogButtonBox>
 #include <QHBoxLayout>
 #include <QMovie>
+#include <QPicture>
 #include <QPushButton>
 #include <QResizeEvent>
 #include <QScrollArea>
@@ -20,6 +21,13 @@ namespace
 bool canTakeFocus(const QWidget *widget)
 {
     return widget && widget->focusPolicy() != Qt::NoFocus && widget->isEnabled() && widget->isVisible();
+}
+
+// Setting a widget's style sheet re-polishes it and all its children, even to the same text.
+void restyle(QWidget *widget, const QString &styleSheet)
+{
+    if (widget->styleSheet() != styleSheet)
+        widget->setStyleSheet(styleSheet);
 }
 
 void sizeButton(QAbstractButton *button)
@@ -36,12 +44,83 @@ void sizeButton(QAbstractButton *button)
 // MessageLabel, DialogButtonBoxStyle
 // ---------------------------------------------------------------------------
 
+bool MessageLabelPrivate::Inputs::operator==(const Inputs &other) const
+{
+    return text == other.text && font == other.font && alignment == other.alignment && wordWrap == other.wordWrap &&
+        format == other.format && interaction == other.interaction && direction == other.direction && indent == other.indent &&
+        margin == other.margin && frameWidth == other.frameWidth && contents == other.contents && maximumWidth == other.maximumWidth &&
+        buddy == other.buddy && dpiX == other.dpiX && dpiY == other.dpiY;
+}
+
+void MessageLabelPrivate::follow(const QLabel *label)
+{
+    Inputs now;
+    now.text = label->text();
+    now.font = label->font();
+    now.alignment = label->alignment();
+    now.wordWrap = label->wordWrap();
+    now.format = label->textFormat();
+    now.interaction = label->textInteractionFlags();
+    now.direction = label->layoutDirection();
+    now.indent = label->indent();
+    now.margin = label->margin();
+    now.frameWidth = label->frameWidth();
+    now.contents = label->contentsMargins();
+    now.maximumWidth = label->maximumWidth();
+    now.buddy = label->buddy() != nullptr;
+    now.dpiX = label->logicalDpiX();
+    now.dpiY = label->logicalDpiY();
+    if (followed && now == inputs)
+        return;
+    inputs = now;
+    followed = true;
+    heights.clear();
+}
+
+namespace
+{
+// Only text is kept: an image's size is cheap to ask for and has inputs of its own.
+bool showsText(const QLabel *label)
+{
+    return label->pixmap().isNull() && !label->movie() && label->picture().isNull();
+}
+}
+
 MessageLabel::MessageLabel(QWidget *parent)
     : QLabel(parent)
+    , d(new MessageLabelPrivate)
 {
 }
 
-MessageLabel::~MessageLabel() = default;
+MessageLabel::~MessageLabel()
+{
+    delete d;
+}
+
+int MessageLabel::heightForWidth(int width) const
+{
+    if (!showsText(this))
+        return QLabel::heightForWidth(width);
+    d->follow(this);
+    const int minimum = minimumHeight();
+    for (const MessageLabelPrivate::Height &kept : std::as_const(d->heights)) {
+        if (kept.width != width)
+            continue;
+        // QLabel answers max(natural, minimum height): the natural height is known when
+        // the answer exceeded the minimum of its time or there was none, and cannot
+        // matter when the minimum now is at least that one.
+        if (kept.answer > kept.minimum || kept.minimum <= 0)
+            return std::max(kept.answer, minimum);
+        if (minimum >= kept.minimum)
+            return minimum;
+    }
+    const int height = QLabel::heightForWidth(width);
+    d->heights.removeIf([width](const MessageLabelPrivate::Height &kept) { return kept.width == width; });
+    if (d->heights.size() >= 8)
+        d->heights.removeFirst();
+    d->heights.append({width, height, minimum});
+    return height;
+}
 
 void MessageLabel::resizeEvent(QResizeEvent *event)
 {
@@ -129,6 +208,19 @@ void LumoMessageSheetPrivate::initialize(const MsgBoxCustomBtnText &texts)
     if (!showIcon)
         iconLabel->clear();
 
+    // The sheet's look and the box's proxy style come before the buttons: a button
+    // styled first is polished again by each of them. On a later run both are in
+    // place already, and setting them again would only re-polish the whole sheet.
+    const bool processing = messageType == LumoMessageSheet::AppNotice || messageType == LumoMessageSheet::Processing;
+    restyle(q, lumo::style(processing ? "component.message_sheet_processing" : "component.message_sheet_other"));
+    if (!buttonStyle) {
+        buttonStyle = new DialogButtonBoxStyle;
+        buttonBox->setStyle(buttonStyle);
+    }
+    // Unique: initialize() runs again on every type, icon or check box change, and a
+    // second connection would end the sheet twice per click.
+    QObject::connect(buttonBox, SIGNAL(clicked(QAbstractButton *)), q, SLOT(buttonClick(QAbstractButton *)), Qt::UniqueConnection);
+
     buttonBox->setStandardButtons(buttons);
     QPushButton *ok = buttonBox->button(QDialogButtonBox::Ok);
     QPushButton *apply = buttonBox->button(QDialogButtonBox::Apply);
@@ -160,32 +252,16 @@ void LumoMessageSheetPrivate::initialize(const MsgBoxCustomBtnText &texts)
             sizeButton(discard);
     }
 
-    const bool processing = messageType == LumoMessageSheet::AppNotice || messageType == LumoMessageSheet::Processing;
-    q->setStyleSheet(lumo::style(processing ? "component.message_sheet_processing" : "component.message_sheet_other"));
-
-    // Unique: initialize() runs again on every type, icon or check box change, and a
-    // second connection would end the sheet twice per click.
-    QObject::connect(buttonBox, SIGNAL(clicked(QAbstractButton *)), q, SLOT(buttonClick(QAbstractButton *)), Qt::UniqueConnection);
-    DialogButtonBoxStyle *previousStyle = buttonStyle;
-    buttonStyle = new DialogButtonBoxStyle;
-    buttonBox->setStyle(buttonStyle);
-    delete previousStyle;
-    // The new styles re-polished the buttons: pin their sizes again.
-    for (QPushButton *button : {ok, apply, discard}) {
-        if (button)
-            sizeButton(button);
-    }
-
     initCheckBox();
     setupLayout();
 
     if (textLabel) {
         textLabel->installEventFilter(q);
-        textLabel->setStyleSheet(lumo::style("component.message_sheet_text"));
+        restyle(textLabel, lumo::style("component.message_sheet_text"));
     }
     if (informativeLabel) {
         informativeLabel->installEventFilter(q);
-        informativeLabel->setStyleSheet(lumo::style("component.message_sheet_informative_text"));
+        restyle(informativeLabel, lumo::style("component.message_sheet_informative_text"));
     }
     for (QPushButton *button : {ok, apply, discard, reset}) {
         if (button)

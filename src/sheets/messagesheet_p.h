@@ -3,12 +3,55 @@
 
 #include "sheets/sheets_p.h"
 
+#include <QFont>
 #include <QList>
+#include <QMargins>
 #include <QObject>
 
 class QCheckBox;
 class QScrollArea;
 class ClickableLabel;
+
+/**
+ * A rich-text label lays its whole document out twice for every
+ * height-for-width query, and one layout pass asks several times. The answer
+ * depends only on the inputs compared here and on the minimum height, which
+ * QLabel applies last (answer = max(natural, minimum)); so answers are kept
+ * with the minimum they were given under, until an input changes.
+ */
+class MessageLabelPrivate
+{
+public:
+    /** Forgets the kept answers if an input differs from the last call. */
+    void follow(const QLabel *label);
+
+    struct Inputs {
+        QString text;
+        QFont font;
+        Qt::Alignment alignment;
+        bool wordWrap = false;
+        Qt::TextFormat format = Qt::AutoText;
+        Qt::TextInteractionFlags interaction;
+        Qt::LayoutDirection direction = Qt::LeftToRight;
+        int indent = -1;
+        int margin = 0;
+        int frameWidth = 0;
+        QMargins contents;
+        int maximumWidth = 0;
+        bool buddy = false;
+        int dpiX = 0;
+        int dpiY = 0;
+        bool operator==(const Inputs &other) const;
+    };
+    struct Height {
+        int width;
+        int answer;
+        int minimum; // the minimum height in force when QLabel answered
+    };
+    Inputs inputs;
+    bool followed = false;
+    QList<Height> heights; // a few widths at most
+};
 
 class LumoMessageSheetPrivate : public QObject
 {
