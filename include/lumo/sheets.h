@@ -21,6 +21,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -66,21 +67,30 @@ public:
     /** @p rect grown by the reach on every side. */
     QRectF boundingRectFor(const QRectF &rect) const override;
 
+    /** @internal Forgets the kept shadows when the decorated widget is hidden. */
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 protected:
     /** Paints the outer shadows, the widget and then the inner shadows over it. */
     void draw(QPainter *painter) override;
+    /** Follows the widget the effect is put on; any change forgets the kept shadows. */
+    void sourceChanged(ChangeFlags flags) override;
 
 private:
+    struct Kept;
+
     QPixmap blurPixmap(const QPixmap &pixmap, double radius);
     QPixmap coloredPixmap(const QColor &color, const QPixmap &pixmap);
     QPixmap cutShadow(QPixmap shadow, const QPixmap &cutter, int dx, int dy);
     QPixmap paddedSource() const;
     QPixmap blurredLayers(const QPixmap &source, const std::vector<ShadowData> &shadows,
                           const std::function<QPixmap(const ShadowData &)> &layerOf);
-    QPixmap outsideShadow();
-    QPixmap insideShadow();
-    QPixmap smoothOutsideShadow();
-    QPixmap smoothInsideShadow();
+    QPixmap outsideShadow(const QPixmap &source);
+    QPixmap insideShadow(const QPixmap &source);
+    QPixmap smoothOutsideShadow(const QPixmap &source);
+    QPixmap smoothInsideShadow(const QPixmap &source);
+    bool keptShadowsValid(const QPainter *painter, const QSizeF &sourceSize) const;
+    void forgetKept();
 
     bool smooth;
     int maxOffsetX = 0;
@@ -88,11 +98,9 @@ private:
     int border;
     std::vector<ShadowData> insideShadows;
     std::vector<ShadowData> outsideShadows;
-    // The last shadows and the source pixels they were built from: reused while the
-    // source paints the same pixels and the lists stay; one set per effect.
-    QPixmap composedSource;
-    QPixmap composedOuter;
-    QPixmap composedInner;
+    QWidget *host = nullptr;
+    // The last shadows built, with the source pixels they were built from; one set per effect.
+    std::unique_ptr<Kept> kept;
 
     Q_DISABLE_COPY(BoxShadow)
 };

@@ -1,6 +1,8 @@
 #include <lumo/sheets.h>
 
+#include <QApplication>
 #include <QBitmap>
+#include <QEvent>
 #include <QGraphicsBlurEffect>
 #include <QGraphicsPixmapItem>
 #include <QGraphicsScene>
@@ -10,8 +12,19 @@
 
 #include <cstdlib>
 
+namespace lumo
+{
+// The part of a pixmap that paints anything, in device pixels.
+struct PixmapCoverage {
+    QRect used; // bounding rectangle of the pixels that are not fully transparent
+    QRect hole; // a fully transparent rectangle inside used, or empty
+};
+}
+
 namespace
 {
+using lumo::PixmapCoverage;
+
 QColor colorOf(const ShadowData &shadow)
 {
     return QColor(QString::fromStdString(shadow.color));
@@ -57,7 +70,109 @@ QRect logicalRect(const QPixmap &pixmap)
 {
     return QRect(QPoint(0, 0), pixmap.deviceIndependentSize().toSize());
 }
+
+bool transparentAt(const QImage &image, int x, int y)
+{
+    return qAlpha(image.pixel(x, y)) == 0;
 }
+
+bool transparentRect(const QImage &image, const QRect &rect)
+{
+    for (int y = rect.top(); y <= rect.bottom(); ++y) {
+        const auto *line = reinterpret_cast<const QRgb *>(image.constScanLine(y));
+        for (int x = rect.left(); x <= rect.right(); ++x)
+            if (qAlpha(line[x]) != 0)
+                return false;
+    }
+    return true;
+}
+
+// The bounding rectangle of the pixels that paint anything, and the widest fully transparent
+// rectangle around its centre that a row and a column through the centre show: the hole that
+// the widget leaves in an outer shadow.
+PixmapCoverage coverageOf(const QPixmap &pixmap)
+{
+    const QImage image = pixmap.toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    int top = image.height(), bottom = -1, left = image.width(), right = -1;
+    for (int y = 0; y < image.height(); ++y) {
+        const auto *line = reinterpret_cast<const QRgb *>(image.constScanLine(y));
+        for (int x = 0; x < image.width(); ++x) {
+            if (qAlpha(line[x]) == 0)
+                continue;
+            top = qMin(top, y);
+            bottom = y;
+            left = qMin(left, x);
+            right = qMax(right, x);
+        }
+    }
+    PixmapCoverage coverage;
+    if (bottom < 0)
+        return coverage;
+    coverage.used = QRect(QPoint(left, top), QPoint(right, bottom));
+    const QPoint centre = coverage.used.center();
+    if (!transparentAt(image, centre.x(), centre.y()))
+        return coverage;
+    QRect hole(centre, centre);
+    while (hole.left() > left && transparentAt(image, hole.left() - 1, centre.y()))
+        hole.setLeft(hole.left() - 1);
+    while (hole.right() < right && transparentAt(image, hole.right() + 1, centre.y()))
+        hole.setRight(hole.right() + 1);
+    while (hole.top() > top && transparentAt(image, centre.x(), hole.top() - 1))
+        hole.setTop(hole.top() - 1);
+    while (hole.bottom() < bottom && transparentAt(image, centre.x(), hole.bottom() + 1))
+        hole.setBottom(hole.bottom() + 1);
+    if (transparentRect(image, hole))
+        coverage.hole = hole;
+    return coverage;
+}
+
+// Draws @p pixmap into @p target as QPainter::drawPixmap does. When the pixmap lands on device
+// pixels one to one and is blended over what is there, its fully transparent pixels change
+// nothing, so only the covered parts around the hole are drawn: bit for bit the same result.
+void drawCovered(QPainter *painter, const QRectF &target, const QPixmap &pixmap, const PixmapCoverage &coverage)
+{
+    const qreal ratio = pixmap.devicePixelRatio();
+    const QTransform device = painter->deviceTransform();
+    const QPointF origin = device.map(target.topLeft());
+    const bool oneToOne = painter->compositionMode() == QPainter::CompositionMode_SourceOver && device.type() <= QTransform::TxScale &&
+        device.m11() == ratio && device.m22() == ratio && target.size() * ratio == QSizeF(pixmap.size()) &&
+        origin.x() == qRound(origin.x()) && origin.y() == qRound(origin.y());
+    if (!oneToOne) {
+        painter->drawPixmap(target, pixmap, QRectF(pixmap.rect()));
+        return;
+    }
+    const QRect used = coverage.used;
+    const QRect hole = coverage.hole;
+    QList<QRect> parts;
+    if (hole.isEmpty()) {
+        parts << used;
+    } else {
+        parts << QRect(used.left(), used.top(), used.width(), hole.top() - used.top())
+              << QRect(used.left(), hole.top(), hole.left() - used.left(), hole.height())
+              << QRect(hole.right() + 1, hole.top(), used.right() - hole.right(), hole.height())
+              << QRect(used.left(), hole.bottom() + 1, used.width(), used.bottom() - hole.bottom());
+    }
+    for (const QRect &part : parts) {
+        if (part.isEmpty())
+            continue;
+        const QRectF logical(target.topLeft() + QPointF(part.topLeft()) / ratio, QSizeF(part.size()) / ratio);
+        painter->drawPixmap(logical, pixmap, QRectF(part));
+    }
+}
+}
+
+struct BoxShadow::Kept {
+    // Besides Qt's own copy in QPixmapCache this is the only reference to these pixels. Qt drops
+    // its copy as soon as the widget or one of its children is marked dirty, which leaves this
+    // one detached: the sign that the source has changed.
+    QPixmap source;
+    QSizeF sourceSize;
+    PixmapCoverage sourceCoverage;
+    QPixmap outer;
+    PixmapCoverage outerCoverage;
+    QPixmap inner;
+    PixmapCoverage innerCoverage;
+};
 
 BoxShadow::BoxShadow(int border, bool smooth)
     : QGraphicsEffect(nullptr)
@@ -72,7 +187,7 @@ void BoxShadow::setInsideShadowList(std::vector<ShadowData> &&shadows)
 {
     if (&shadows != &insideShadows)
         insideShadows = shadows;
-    composedSource = QPixmap();
+    forgetKept();
     update();
 }
 
@@ -80,7 +195,7 @@ void BoxShadow::setOutsideShadowList(std::vector<ShadowData> &&shadows)
 {
     if (&shadows != &outsideShadows)
         outsideShadows = shadows;
-    composedSource = QPixmap();
+    forgetKept();
     setMaxOffset();
 }
 
@@ -114,6 +229,50 @@ QRectF BoxShadow::boundingRectFor(const QRectF &rect) const
     return rect.adjusted(-maxOffsetX, -maxOffsetY, maxOffsetX, maxOffsetY);
 }
 
+bool BoxShadow::eventFilter(QObject *watched, QEvent *event)
+{
+    // A hidden widget is never marked dirty, so what changes until it shows again goes unseen.
+    if (watched == host && event->type() == QEvent::Hide)
+        forgetKept();
+    return QGraphicsEffect::eventFilter(watched, event);
+}
+
+void BoxShadow::sourceChanged(ChangeFlags flags)
+{
+    forgetKept();
+    if (flags & SourceDetached) {
+        if (host)
+            host->removeEventFilter(this);
+        host = nullptr;
+    }
+    if (flags & SourceAttached) {
+        // Qt gives an effect no public way to its widget; attaching happens once per widget.
+        const QWidgetList widgets = QApplication::allWidgets();
+        const auto found = std::find_if(widgets.cbegin(), widgets.cend(), [this](QWidget *w) { return w->graphicsEffect() == this; });
+        host = found == widgets.cend() ? nullptr : *found;
+        if (host)
+            host->installEventFilter(this);
+    }
+}
+
+void BoxShadow::forgetKept()
+{
+    kept.reset();
+}
+
+bool BoxShadow::keptShadowsValid(const QPainter *painter, const QSizeF &sourceSize) const
+{
+    // Qt marks widgets dirty only while they are visible and take updates, in a window of
+    // its own backing store; anywhere else a change is not announced and the source is taken anew.
+    if (!kept || !host || !host->isVisible() || !host->updatesEnabled())
+        return false;
+    const QWidget *window = host->window();
+    if (!window->backingStore() || window->graphicsProxyWidget())
+        return false;
+    return !kept->source.isDetached() && kept->sourceSize == sourceSize && painter->device() &&
+        kept->source.devicePixelRatio() == painter->device()->devicePixelRatio();
+}
+
 void BoxShadow::draw(QPainter *painter)
 {
     const QPainter::RenderHints hints = painter->renderHints();
@@ -124,29 +283,35 @@ void BoxShadow::draw(QPainter *painter)
     painter->setRenderHint(QPainter::SmoothPixmapTransform, true);
     painter->setWorldMatrixEnabled(false);
 
-    const QRectF bounds = boundingRectFor(sourceBoundingRect(Qt::LogicalCoordinates));
+    const QRectF sourceRect = sourceBoundingRect(Qt::LogicalCoordinates);
+    const QRectF bounds = boundingRectFor(sourceRect);
     const int x0 = qRound(bounds.x());
     const int y0 = qRound(bounds.y());
     // Only half of the position's rounding remainder goes into the size, on purpose.
     const int width = qRound(bounds.width() + (bounds.x() - x0) * 0.5);
     const int height = qRound(bounds.height() + (bounds.y() - y0) * 0.5);
 
-    const QPixmap source = paddedSource();
-    if (!source.isNull()) {
-        // The shadows depend on nothing but the source's pixels, its pixel ratio and the
-        // lists. A widget source tells nothing when its content changes, so the pixels
-        // are compared: far cheaper than blurring them again.
-        const bool unchanged = !composedSource.isNull() && composedSource.devicePixelRatio() == source.devicePixelRatio() &&
-            composedSource.toImage() == source.toImage();
-        if (!unchanged) {
-            composedOuter = smooth ? smoothOutsideShadow() : outsideShadow();
-            composedInner = smooth ? smoothInsideShadow() : insideShadow();
-            composedSource = source;
+    if (!keptShadowsValid(painter, sourceRect.size())) {
+        forgetKept();
+        QPixmap source = paddedSource();
+        if (!source.isNull()) {
+            auto fresh = std::make_unique<Kept>();
+            fresh->outer = smooth ? smoothOutsideShadow(source) : outsideShadow(source);
+            fresh->inner = smooth ? smoothInsideShadow(source) : insideShadow(source);
+            fresh->outerCoverage = coverageOf(fresh->outer);
+            fresh->innerCoverage = coverageOf(fresh->inner);
+            fresh->sourceCoverage = coverageOf(source);
+            fresh->sourceSize = sourceRect.size();
+            fresh->source = std::move(source);
+            kept = std::move(fresh);
         }
+    }
+    if (kept) {
         painter->setPen(Qt::NoPen);
-        painter->drawPixmap(world.mapRect(QRect(x0, y0, width, height)), composedOuter);
-        painter->drawPixmap(world.mapRect(QRect(QPoint(x0, y0), logicalRect(source).size())), source);
-        painter->drawPixmap(world.mapRect(QRect(x0 + border, y0 + border, width - 2 * border, height - 2 * border)), composedInner);
+        drawCovered(painter, world.mapRect(QRect(x0, y0, width, height)), kept->outer, kept->outerCoverage);
+        drawCovered(painter, world.mapRect(QRect(QPoint(x0, y0), logicalRect(kept->source).size())), kept->source, kept->sourceCoverage);
+        drawCovered(painter, world.mapRect(QRect(x0 + border, y0 + border, width - 2 * border, height - 2 * border)), kept->inner,
+                    kept->innerCoverage);
     }
 
     painter->setWorldMatrixEnabled(true);
@@ -218,9 +383,8 @@ QPixmap BoxShadow::blurredLayers(const QPixmap &source, const std::vector<Shadow
     return result;
 }
 
-QPixmap BoxShadow::outsideShadow()
+QPixmap BoxShadow::outsideShadow(const QPixmap &source)
 {
-    const QPixmap source = paddedSource();
     const QBitmap shape = maskOf(source, Qt::transparent, Qt::MaskInColor);
     QPixmap result = blurredLayers(source, outsideShadows, [&](const ShadowData &shadow) {
         QPixmap layer = blankLike(source);
@@ -230,13 +394,12 @@ QPixmap BoxShadow::outsideShadow()
         painter.end();
         return layer;
     });
-    result.setMask(maskOf(paddedSource(), Qt::transparent, Qt::MaskOutColor));
+    result.setMask(maskOf(source, Qt::transparent, Qt::MaskOutColor));
     return result;
 }
 
-QPixmap BoxShadow::insideShadow()
+QPixmap BoxShadow::insideShadow(const QPixmap &source)
 {
-    const QPixmap source = paddedSource();
     const QBitmap shape = maskOf(source, Qt::transparent, Qt::MaskInColor);
     QPixmap result = blurredLayers(source, insideShadows, [&](const ShadowData &shadow) {
         const QColor color = colorOf(shadow);
@@ -255,9 +418,8 @@ QPixmap BoxShadow::insideShadow()
     return result;
 }
 
-QPixmap BoxShadow::smoothOutsideShadow()
+QPixmap BoxShadow::smoothOutsideShadow(const QPixmap &source)
 {
-    const QPixmap source = paddedSource();
     const QRect area = logicalRect(source);
     QPixmap result = blurredLayers(source, outsideShadows, [&](const ShadowData &shadow) {
         QPixmap layer = blankLike(source);
@@ -276,9 +438,8 @@ QPixmap BoxShadow::smoothOutsideShadow()
     return result;
 }
 
-QPixmap BoxShadow::smoothInsideShadow()
+QPixmap BoxShadow::smoothInsideShadow(const QPixmap &source)
 {
-    const QPixmap source = paddedSource();
     const QRect area = logicalRect(source);
     QPixmap result = blurredLayers(source, insideShadows, [&](const ShadowData &shadow) {
         // Inner shadows are cut at half the offset (toward zero); outer ones use the full offset.
