@@ -89,6 +89,7 @@ private:
     QPixmap insideShadow(const QPixmap &source);
     QPixmap smoothOutsideShadow(const QPixmap &source);
     QPixmap smoothInsideShadow(const QPixmap &source);
+    bool changesAnnounced() const;
     bool keptShadowsValid(const QPainter *painter, const QSizeF &sourceSize) const;
     void forgetKept();
 

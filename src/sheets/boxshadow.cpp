@@ -10,21 +10,11 @@
 #include <QPainter>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <cstdlib>
-
-namespace lumo
-{
-// The part of a pixmap that paints anything, in device pixels.
-struct PixmapCoverage {
-    QRect used; // bounding rectangle of the pixels that are not fully transparent
-    QRect hole; // a fully transparent rectangle inside used, or empty
-};
-}
 
 namespace
 {
-using lumo::PixmapCoverage;
-
 QColor colorOf(const ShadowData &shadow)
 {
     return QColor(QString::fromStdString(shadow.color));
@@ -71,93 +61,27 @@ QRect logicalRect(const QPixmap &pixmap)
     return QRect(QPoint(0, 0), pixmap.deviceIndependentSize().toSize());
 }
 
-bool transparentAt(const QImage &image, int x, int y)
+// True when no pixel of @p pixmap paints anything.
+bool blank(const QPixmap &pixmap)
 {
-    return qAlpha(image.pixel(x, y)) == 0;
-}
-
-bool transparentRect(const QImage &image, const QRect &rect)
-{
-    for (int y = rect.top(); y <= rect.bottom(); ++y) {
-        const auto *line = reinterpret_cast<const QRgb *>(image.constScanLine(y));
-        for (int x = rect.left(); x <= rect.right(); ++x)
-            if (qAlpha(line[x]) != 0)
+    const QImage image = pixmap.toImage();
+    if (!image.hasAlphaChannel())
+        return false;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            if (qAlpha(image.pixel(x, y)) != 0)
                 return false;
     }
     return true;
 }
 
-// The bounding rectangle of the pixels that paint anything, and the widest fully transparent
-// rectangle around its centre that a row and a column through the centre show: the hole that
-// the widget leaves in an outer shadow.
-PixmapCoverage coverageOf(const QPixmap &pixmap)
+// Draws @p pixmap into @p target unless it is blank and blended over what is there: fully
+// transparent pixels then change nothing. Layers are drawn whole otherwise, as the raster
+// engine's rounding may depend on where a span starts.
+void drawLayer(QPainter *painter, const QRect &target, const QPixmap &pixmap, bool isBlank)
 {
-    const QImage image = pixmap.toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied);
-    int top = image.height(), bottom = -1, left = image.width(), right = -1;
-    for (int y = 0; y < image.height(); ++y) {
-        const auto *line = reinterpret_cast<const QRgb *>(image.constScanLine(y));
-        for (int x = 0; x < image.width(); ++x) {
-            if (qAlpha(line[x]) == 0)
-                continue;
-            top = qMin(top, y);
-            bottom = y;
-            left = qMin(left, x);
-            right = qMax(right, x);
-        }
-    }
-    PixmapCoverage coverage;
-    if (bottom < 0)
-        return coverage;
-    coverage.used = QRect(QPoint(left, top), QPoint(right, bottom));
-    const QPoint centre = coverage.used.center();
-    if (!transparentAt(image, centre.x(), centre.y()))
-        return coverage;
-    QRect hole(centre, centre);
-    while (hole.left() > left && transparentAt(image, hole.left() - 1, centre.y()))
-        hole.setLeft(hole.left() - 1);
-    while (hole.right() < right && transparentAt(image, hole.right() + 1, centre.y()))
-        hole.setRight(hole.right() + 1);
-    while (hole.top() > top && transparentAt(image, centre.x(), hole.top() - 1))
-        hole.setTop(hole.top() - 1);
-    while (hole.bottom() < bottom && transparentAt(image, centre.x(), hole.bottom() + 1))
-        hole.setBottom(hole.bottom() + 1);
-    if (transparentRect(image, hole))
-        coverage.hole = hole;
-    return coverage;
-}
-
-// Draws @p pixmap into @p target as QPainter::drawPixmap does. When the pixmap lands on device
-// pixels one to one and is blended over what is there, its fully transparent pixels change
-// nothing, so only the covered parts around the hole are drawn: bit for bit the same result.
-void drawCovered(QPainter *painter, const QRectF &target, const QPixmap &pixmap, const PixmapCoverage &coverage)
-{
-    const qreal ratio = pixmap.devicePixelRatio();
-    const QTransform device = painter->deviceTransform();
-    const QPointF origin = device.map(target.topLeft());
-    const bool oneToOne = painter->compositionMode() == QPainter::CompositionMode_SourceOver && device.type() <= QTransform::TxScale &&
-        device.m11() == ratio && device.m22() == ratio && target.size() * ratio == QSizeF(pixmap.size()) &&
-        origin.x() == qRound(origin.x()) && origin.y() == qRound(origin.y());
-    if (!oneToOne) {
-        painter->drawPixmap(target, pixmap, QRectF(pixmap.rect()));
-        return;
-    }
-    const QRect used = coverage.used;
-    const QRect hole = coverage.hole;
-    QList<QRect> parts;
-    if (hole.isEmpty()) {
-        parts << used;
-    } else {
-        parts << QRect(used.left(), used.top(), used.width(), hole.top() - used.top())
-              << QRect(used.left(), hole.top(), hole.left() - used.left(), hole.height())
-              << QRect(hole.right() + 1, hole.top(), used.right() - hole.right(), hole.height())
-              << QRect(used.left(), hole.bottom() + 1, used.width(), used.bottom() - hole.bottom());
-    }
-    for (const QRect &part : parts) {
-        if (part.isEmpty())
-            continue;
-        const QRectF logical(target.topLeft() + QPointF(part.topLeft()) / ratio, QSizeF(part.size()) / ratio);
-        painter->drawPixmap(logical, pixmap, QRectF(part));
-    }
+    if (!isBlank || painter->compositionMode() != QPainter::CompositionMode_SourceOver)
+        painter->drawPixmap(target, pixmap);
 }
 }
 
@@ -167,11 +91,11 @@ struct BoxShadow::Kept {
     // one detached: the sign that the source has changed.
     QPixmap source;
     QSizeF sourceSize;
-    PixmapCoverage sourceCoverage;
+    bool reusable = false; // built while Qt announced the widget's changes
     QPixmap outer;
-    PixmapCoverage outerCoverage;
+    bool outerBlank = false;
     QPixmap inner;
-    PixmapCoverage innerCoverage;
+    bool innerBlank = false;
 };
 
 BoxShadow::BoxShadow(int border, bool smooth)
@@ -260,17 +184,20 @@ void BoxShadow::forgetKept()
     kept.reset();
 }
 
-bool BoxShadow::keptShadowsValid(const QPainter *painter, const QSizeF &sourceSize) const
+bool BoxShadow::changesAnnounced() const
 {
-    // Qt marks widgets dirty only while they are visible and take updates, in a window of
-    // its own backing store; anywhere else a change is not announced and the source is taken anew.
-    if (!kept || !host || !host->isVisible() || !host->updatesEnabled())
+    // Qt marks widgets dirty only while they are visible and take updates, in a window with a
+    // backing store of its own; anywhere else a change goes unannounced.
+    if (!host || !host->isVisible() || !host->updatesEnabled())
         return false;
     const QWidget *window = host->window();
-    if (!window->backingStore() || window->graphicsProxyWidget())
-        return false;
-    return !kept->source.isDetached() && kept->sourceSize == sourceSize && painter->device() &&
-        kept->source.devicePixelRatio() == painter->device()->devicePixelRatio();
+    return window->backingStore() && !window->graphicsProxyWidget();
+}
+
+bool BoxShadow::keptShadowsValid(const QPainter *painter, const QSizeF &sourceSize) const
+{
+    return kept && kept->reusable && changesAnnounced() && !kept->source.isDetached() && kept->sourceSize == sourceSize &&
+        painter->device() && kept->source.devicePixelRatio() == painter->device()->devicePixelRatio();
 }
 
 void BoxShadow::draw(QPainter *painter)
@@ -298,20 +225,20 @@ void BoxShadow::draw(QPainter *painter)
             auto fresh = std::make_unique<Kept>();
             fresh->outer = smooth ? smoothOutsideShadow(source) : outsideShadow(source);
             fresh->inner = smooth ? smoothInsideShadow(source) : insideShadow(source);
-            fresh->outerCoverage = coverageOf(fresh->outer);
-            fresh->innerCoverage = coverageOf(fresh->inner);
-            fresh->sourceCoverage = coverageOf(source);
+            fresh->outerBlank = blank(fresh->outer);
+            fresh->innerBlank = blank(fresh->inner);
             fresh->sourceSize = sourceRect.size();
+            fresh->reusable = changesAnnounced();
             fresh->source = std::move(source);
             kept = std::move(fresh);
         }
     }
     if (kept) {
         painter->setPen(Qt::NoPen);
-        drawCovered(painter, world.mapRect(QRect(x0, y0, width, height)), kept->outer, kept->outerCoverage);
-        drawCovered(painter, world.mapRect(QRect(QPoint(x0, y0), logicalRect(kept->source).size())), kept->source, kept->sourceCoverage);
-        drawCovered(painter, world.mapRect(QRect(x0 + border, y0 + border, width - 2 * border, height - 2 * border)), kept->inner,
-                    kept->innerCoverage);
+        drawLayer(painter, world.mapRect(QRect(x0, y0, width, height)), kept->outer, kept->outerBlank);
+        painter->drawPixmap(world.mapRect(QRect(QPoint(x0, y0), logicalRect(kept->source).size())), kept->source);
+        drawLayer(painter, world.mapRect(QRect(x0 + border, y0 + border, width - 2 * border, height - 2 * border)), kept->inner,
+                  kept->innerBlank);
     }
 
     painter->setWorldMatrixEnabled(true);
