@@ -85,8 +85,8 @@ private:
     QPixmap paddedSource() const;
     QPixmap blurredLayers(const QPixmap &source, const std::vector<ShadowData> &shadows,
                           const std::function<QPixmap(const ShadowData &)> &layerOf);
-    QPixmap outsideShadow(const QPixmap &source);
-    QPixmap insideShadow(const QPixmap &source);
+    QPixmap outsideShadow(const QPixmap &source, const QImage &sourceArgb);
+    QPixmap insideShadow(const QPixmap &source, const QImage &sourceArgb);
     QPixmap smoothOutsideShadow(const QPixmap &source);
     QPixmap smoothInsideShadow(const QPixmap &source);
     bool changesAnnounced() const;

@@ -30,11 +30,18 @@ QPixmap blankLike(const QPixmap &like)
 }
 
 // Masks keep the pixel ratio of their pixmap so that they are drawn at its logical size.
-QBitmap maskOf(const QPixmap &pixmap, const QColor &color, Qt::MaskMode mode)
+// @p argb is the pixmap in QImage::Format_ARGB32, which QPixmap::createMaskFromColor
+// converts to on every call: converted once, it serves several masks.
+QBitmap maskOf(const QImage &argb, qreal ratio, const QColor &color, Qt::MaskMode mode)
 {
-    QBitmap mask = pixmap.createMaskFromColor(color, mode);
-    mask.setDevicePixelRatio(pixmap.devicePixelRatio());
+    QBitmap mask = QBitmap::fromImage(argb.createMaskFromColor(color.rgba(), mode));
+    mask.setDevicePixelRatio(ratio);
     return mask;
+}
+
+QImage argbOf(const QPixmap &pixmap)
+{
+    return pixmap.toImage().convertToFormat(QImage::Format_ARGB32);
 }
 
 // The set bits of @p bits in one colour, the rest transparent: what drawing the bitmap with a pen
@@ -64,13 +71,11 @@ QRect logicalRect(const QPixmap &pixmap)
 // True when no pixel of @p pixmap paints anything.
 bool blank(const QPixmap &pixmap)
 {
-    const QImage image = pixmap.toImage();
-    if (!image.hasAlphaChannel())
-        return false;
+    const QImage image = pixmap.toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied);
     for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x)
-            if (qAlpha(image.pixel(x, y)) != 0)
-                return false;
+        const auto *line = reinterpret_cast<const QRgb *>(image.constScanLine(y));
+        if (std::any_of(line, line + image.width(), [](QRgb pixel) { return qAlpha(pixel) != 0; }))
+            return false;
     }
     return true;
 }
@@ -78,10 +83,12 @@ bool blank(const QPixmap &pixmap)
 // Draws @p pixmap into @p target unless it is blank and blended over what is there: fully
 // transparent pixels then change nothing. Layers are drawn whole otherwise, as the raster
 // engine's rounding may depend on where a span starts.
-void drawLayer(QPainter *painter, const QRect &target, const QPixmap &pixmap, bool isBlank)
+// A layer of an empty list is not built at all: @p pixmap is null and stands for a blank one like @p like.
+void drawLayer(QPainter *painter, const QRect &target, const QPixmap &pixmap, bool isBlank, const QPixmap &like)
 {
-    if (!isBlank || painter->compositionMode() != QPainter::CompositionMode_SourceOver)
-        painter->drawPixmap(target, pixmap);
+    if (isBlank && painter->compositionMode() == QPainter::CompositionMode_SourceOver)
+        return;
+    painter->drawPixmap(target, pixmap.isNull() ? blankLike(like) : pixmap);
 }
 }
 
@@ -223,10 +230,14 @@ void BoxShadow::draw(QPainter *painter)
         QPixmap source = paddedSource();
         if (!source.isNull()) {
             auto fresh = std::make_unique<Kept>();
-            fresh->outer = smooth ? smoothOutsideShadow(source) : outsideShadow(source);
-            fresh->inner = smooth ? smoothInsideShadow(source) : insideShadow(source);
-            fresh->outerBlank = blank(fresh->outer);
-            fresh->innerBlank = blank(fresh->inner);
+            // Shadows of an empty list are blank whatever the style.
+            const QImage argb = smooth ? QImage() : argbOf(source);
+            if (!outsideShadows.empty())
+                fresh->outer = smooth ? smoothOutsideShadow(source) : outsideShadow(source, argb);
+            if (!insideShadows.empty())
+                fresh->inner = smooth ? smoothInsideShadow(source) : insideShadow(source, argb);
+            fresh->outerBlank = fresh->outer.isNull() || blank(fresh->outer);
+            fresh->innerBlank = fresh->inner.isNull() || blank(fresh->inner);
             fresh->sourceSize = sourceRect.size();
             fresh->reusable = changesAnnounced();
             fresh->source = std::move(source);
@@ -235,10 +246,10 @@ void BoxShadow::draw(QPainter *painter)
     }
     if (kept) {
         painter->setPen(Qt::NoPen);
-        drawLayer(painter, world.mapRect(QRect(x0, y0, width, height)), kept->outer, kept->outerBlank);
+        drawLayer(painter, world.mapRect(QRect(x0, y0, width, height)), kept->outer, kept->outerBlank, kept->source);
         painter->drawPixmap(world.mapRect(QRect(QPoint(x0, y0), logicalRect(kept->source).size())), kept->source);
         drawLayer(painter, world.mapRect(QRect(x0 + border, y0 + border, width - 2 * border, height - 2 * border)), kept->inner,
-                  kept->innerBlank);
+                  kept->innerBlank, kept->source);
     }
 
     painter->setWorldMatrixEnabled(true);
@@ -310,9 +321,10 @@ QPixmap BoxShadow::blurredLayers(const QPixmap &source, const std::vector<Shadow
     return result;
 }
 
-QPixmap BoxShadow::outsideShadow(const QPixmap &source)
+QPixmap BoxShadow::outsideShadow(const QPixmap &source, const QImage &sourceArgb)
 {
-    const QBitmap shape = maskOf(source, Qt::transparent, Qt::MaskInColor);
+    const qreal ratio = source.devicePixelRatio();
+    const QBitmap shape = maskOf(sourceArgb, ratio, Qt::transparent, Qt::MaskInColor);
     QPixmap result = blurredLayers(source, outsideShadows, [&](const ShadowData &shadow) {
         QPixmap layer = blankLike(source);
         QPainter painter(&layer);
@@ -321,13 +333,13 @@ QPixmap BoxShadow::outsideShadow(const QPixmap &source)
         painter.end();
         return layer;
     });
-    result.setMask(maskOf(source, Qt::transparent, Qt::MaskOutColor));
+    result.setMask(maskOf(sourceArgb, ratio, Qt::transparent, Qt::MaskOutColor));
     return result;
 }
 
-QPixmap BoxShadow::insideShadow(const QPixmap &source)
+QPixmap BoxShadow::insideShadow(const QPixmap &source, const QImage &sourceArgb)
 {
-    const QBitmap shape = maskOf(source, Qt::transparent, Qt::MaskInColor);
+    const QBitmap shape = maskOf(sourceArgb, source.devicePixelRatio(), Qt::transparent, Qt::MaskInColor);
     QPixmap result = blurredLayers(source, insideShadows, [&](const ShadowData &shadow) {
         const QColor color = colorOf(shadow);
         // The shifted copy must differ from the shadow colour or the ring below would be the whole shape.
@@ -339,7 +351,7 @@ QPixmap BoxShadow::insideShadow(const QPixmap &source)
         painter.drawPixmap(shadow.xOffset, shadow.yOffset, paintedBits(shape, contrast));
         painter.end();
         // Set only where the shadow colour survived: the part of the shape the shifted copy left.
-        return paintedBits(maskOf(layer, color, Qt::MaskOutColor), color);
+        return paintedBits(maskOf(argbOf(layer), layer.devicePixelRatio(), color, Qt::MaskOutColor), color);
     });
     result.setMask(shape);
     return result;
