@@ -44,6 +44,13 @@ struct ShadowData {
  * The "mask" style cuts the shadows with 1-bit masks of the widget's shape; the
  * "smooth" style uses the widget's own alpha, so soft edges stay soft. Outer
  * shadows need room around the widget: leave necessary_indentation() free.
+ *
+ * The shadows are built once and reused until Qt marks the widget or one of
+ * its children dirty (any QWidget::update()), the lists or the size change, or
+ * the widget is hidden. A widget that paints differently without calling
+ * update() keeps its previous shadow until it next does. The effect holds at
+ * most three pixmaps of the widget's size grown by the reach: its own
+ * rendering (shared with Qt's pixmap cache) and the outer and inner shadows.
  */
 class LUMO_EXPORT BoxShadow : public QGraphicsEffect
 {
