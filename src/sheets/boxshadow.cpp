@@ -81,9 +81,6 @@ bool isBlankPixmap(const QPixmap &pixmap)
     return true;
 }
 
-// Draws @p pixmap into @p target unless it is blank and blended over what is there: fully
-// transparent pixels then change nothing. Layers are drawn whole otherwise, as the raster
-// engine's rounding may depend on where a span starts.
 // Draws @p pixmap into @p target. Where it lands on device pixels one to one, at a whole
 // pixel ratio, smooth transformation has nothing to interpolate: the raster engine's plain
 // blit gives the same pixels without going through its filtering span path, several times faster.
@@ -102,7 +99,10 @@ void drawShadowPixmap(QPainter *painter, const QRect &target, const QPixmap &pix
         painter->setRenderHint(QPainter::SmoothPixmapTransform, true);
 }
 
-// A layer of an empty list is not built at all: @p pixmap is null and stands for a blank one like @p like.
+// Draws a shadow layer unless it is blank and blended over what is there: fully transparent
+// pixels then change nothing. Layers are otherwise drawn whole, as the raster engine's rounding
+// may depend on where a span starts. A layer of an empty list is never built: @p pixmap is then
+// null and stands for a blank one like @p like.
 void drawShadowLayer(QPainter *painter, const QRect &target, const QPixmap &pixmap, bool isBlank, const QPixmap &like)
 {
     if (isBlank && painter->compositionMode() == QPainter::CompositionMode_SourceOver)
