@@ -18,6 +18,7 @@
 #include <QtTest>
 
 #include <memory>
+#include <variant>
 
 using Shadows = std::vector<ShadowData>;
 using Margins = std::vector<int>;
@@ -125,23 +126,27 @@ QPixmap blur(const QPixmap &pixmap, double radius)
     return result;
 }
 
-// Paints onto @p target with the effect's hints, or, with a mode, composes @p pixmap into it.
-void paint(QPixmap &target, const QRect &rect, const QPixmap &pixmap, QPainter::CompositionMode mode = QPainter::CompositionMode_SourceOver,
-           const QRect &clip = QRect())
+// Paints @p pixmap onto @p target with the effect's hints, or composes it in with @p mode: into a
+// rectangle, or at a point at its own size.
+void paint(QPixmap &target, const std::variant<QRect, QPoint> &place, const QPixmap &pixmap,
+           QPainter::CompositionMode mode = QPainter::CompositionMode_SourceOver, const QRect &clip = QRect())
 {
     QPainter painter(&target);
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
     painter.setCompositionMode(mode);
     if (clip.isValid())
         painter.setClipRect(clip);
-    painter.drawPixmap(rect, pixmap);
+    if (const auto *rect = std::get_if<QRect>(&place))
+        painter.drawPixmap(*rect, pixmap);
+    else
+        painter.drawPixmap(std::get<QPoint>(place), pixmap);
 }
 
 QPixmap silhouette(const QColor &color, const QPixmap &source)
 {
     QPixmap result = source;
     result.fill(color);
-    paint(result, QRect(QPoint(), source.deviceIndependentSize().toSize()), source, QPainter::CompositionMode_DestinationIn);
+    paint(result, QPoint(), source, QPainter::CompositionMode_DestinationIn);
     return result;
 }
 
@@ -158,17 +163,17 @@ QPixmap shadows(const QPixmap &source, const Shadows &list, bool smooth, bool in
             paint(layer, area.translated(s.xOffset, s.yOffset), silhouette(color, source));
         } else if (smooth) {
             QPixmap crescent = silhouette(color, source);
-            paint(crescent, area.translated(s.xOffset / 2, s.yOffset / 2), source, QPainter::CompositionMode_DestinationOut);
+            paint(crescent, QPoint(s.xOffset / 2, s.yOffset / 2), source, QPainter::CompositionMode_DestinationOut);
             paint(layer, area, crescent);
         } else if (!inside) {
-            paint(layer, area.translated(s.xOffset, s.yOffset), bitsIn(shape, color));
+            paint(layer, QPoint(s.xOffset, s.yOffset), bitsIn(shape, color));
         } else {
             const QColor contrast(color.name() == QLatin1String("#000000") ? "#FFFFFF" : "#000000");
-            paint(layer, area, bitsIn(shape, color));
-            paint(layer, area.translated(s.xOffset, s.yOffset), bitsIn(shape, contrast));
+            paint(layer, QPoint(), bitsIn(shape, color));
+            paint(layer, QPoint(s.xOffset, s.yOffset), bitsIn(shape, contrast));
             layer = bitsIn(mask(layer, color, Qt::MaskOutColor), color);
         }
-        paint(result, area, blur(layer, s.blurRadius));
+        paint(result, QPoint(), blur(layer, s.blurRadius));
     }
     if (smooth)
         paint(result, area, source, inside ? QPainter::CompositionMode_DestinationIn : QPainter::CompositionMode_DestinationOut);
@@ -360,18 +365,23 @@ private Q_SLOTS:
         QTest::addColumn<Shadows>("inside");
         QTest::addColumn<int>("border");
         QTest::addColumn<bool>("filled");
+        QTest::addColumn<QSize>("size");
         const Shadows card {{9.0, 0, 5, "#400B1A33"}};
         const Shadows two {{3.0, -3, 1, "#380B1A33"}, {2.6, 1, -5, "#C0102040"}};
         const Shadows odd {{1.3, 3, -7, "red"}};
         const Shadows inner {{4.0, 3, -5, "#8C98A8"}, {1.5, -1, 3, "black"}};
+        // An odd size leaves a fraction of a pixel at scale 1.5. Where a border stretches the inner
+        // shadows, Qt's own rounding then depends on the painter's clip, which a test cannot copy.
+        const QSize oddSize(161, 81);
+        const QSize evenSize(160, 80);
         for (bool smooth : {false, true}) {
             const char *style = smooth ? "smooth" : "mask";
-            QTest::addRow("%s, card", style) << smooth << card << Shadows() << 0 << true;
-            QTest::addRow("%s, card of glyphs", style) << smooth << card << Shadows() << 0 << false;
-            QTest::addRow("%s, both, negative border", style) << smooth << two << inner << -3 << false;
-            QTest::addRow("%s, both, border 2", style) << smooth << two << inner << 2 << true;
-            QTest::addRow("%s, odd reach, inner only", style) << smooth << odd << inner << 0 << false;
-            QTest::addRow("%s, inner only", style) << smooth << Shadows() << inner << 1 << true;
+            QTest::addRow("%s, card", style) << smooth << card << Shadows() << 0 << true << oddSize;
+            QTest::addRow("%s, card of glyphs", style) << smooth << card << Shadows() << 0 << false << oddSize;
+            QTest::addRow("%s, both, negative border", style) << smooth << two << inner << -3 << false << evenSize;
+            QTest::addRow("%s, both, border 2", style) << smooth << two << inner << 2 << true << evenSize;
+            QTest::addRow("%s, odd reach, inner only", style) << smooth << odd << inner << 0 << false << oddSize;
+            QTest::addRow("%s, inner only", style) << smooth << Shadows() << inner << 1 << true << evenSize;
         }
     }
 
@@ -384,10 +394,11 @@ private Q_SLOTS:
         QFETCH(Shadows, inside);
         QFETCH(int, border);
         QFETCH(bool, filled);
+        QFETCH(QSize, size);
         auto window = makeWindow(QSize(220, 140));
         auto *widget = new QWidget(window.get()); // without a background the label's glyphs are the shape
         widget->setAutoFillBackground(filled);
-        widget->setGeometry(31, 29, 160, 80);
+        widget->setGeometry(QRect(QPoint(31, 29), size));
         auto *label = new QLabel(QStringLiteral("Ab"), widget);
         label->setGeometry(8, 8, 144, 64);
         QFont font = label->font();
