@@ -69,6 +69,12 @@ QRect logicalRect(const QPixmap &pixmap)
     return QRect(QPoint(0, 0), pixmap.deviceIndependentSize().toSize());
 }
 
+// Where drawing @p pixmap at @p (x, y) puts it: its own size, unrounded.
+QRectF placed(int x, int y, const QPixmap &pixmap)
+{
+    return QRectF(QPointF(x, y), pixmap.deviceIndependentSize());
+}
+
 // True when no pixel of @p pixmap paints anything.
 bool isBlankPixmap(const QPixmap &pixmap)
 {
@@ -81,20 +87,20 @@ bool isBlankPixmap(const QPixmap &pixmap)
     return true;
 }
 
-// Draws @p pixmap into @p target. Where it lands on device pixels one to one, at a whole
+// Draws @p pixmap into @p target; at its own size where it is drawn at a point. Where it lands on device pixels one to one, at a whole
 // pixel ratio, smooth transformation has nothing to interpolate: the raster engine's plain
 // blit gives the same pixels without going through its filtering span path, several times faster.
-void drawShadowPixmap(QPainter *painter, const QRect &target, const QPixmap &pixmap)
+void drawShadowPixmap(QPainter *painter, const QRectF &target, const QPixmap &pixmap)
 {
     const qreal ratio = pixmap.devicePixelRatio();
     const QTransform device = painter->deviceTransform();
-    const QPointF origin = device.map(QPointF(target.topLeft()));
+    const QPointF origin = device.map(target.topLeft());
     const bool oneToOne = ratio == std::floor(ratio) && device.type() <= QTransform::TxScale && device.m11() == ratio &&
-        device.m22() == ratio && QSizeF(target.size()) * ratio == QSizeF(pixmap.size()) && origin == QPointF(origin.toPoint());
+        device.m22() == ratio && target.size() * ratio == QSizeF(pixmap.size()) && origin == QPointF(origin.toPoint());
     const bool unfiltered = oneToOne && painter->testRenderHint(QPainter::SmoothPixmapTransform);
     if (unfiltered)
         painter->setRenderHint(QPainter::SmoothPixmapTransform, false);
-    painter->drawPixmap(target, pixmap);
+    painter->drawPixmap(target, pixmap, QRectF());
     if (unfiltered)
         painter->setRenderHint(QPainter::SmoothPixmapTransform, true);
 }
@@ -334,8 +340,10 @@ QPixmap BoxShadow::blurredLayers(const QPixmap &source, const std::vector<Shadow
     QPixmap result = blankLike(source);
     QPainter painter(&result);
     preparePainter(painter);
-    for (const ShadowData &shadow : shadows)
-        painter.drawPixmap(0, 0, blurPixmap(layerOf(shadow), shadow.blurRadius));
+    for (const ShadowData &shadow : shadows) {
+        const QPixmap blurred = blurPixmap(layerOf(shadow), shadow.blurRadius);
+        drawShadowPixmap(&painter, placed(0, 0, blurred), blurred);
+    }
     painter.end();
     return result;
 }
@@ -348,7 +356,8 @@ QPixmap BoxShadow::outsideShadow(const QPixmap &source, const QImage &sourceArgb
         QPixmap layer = blankLike(source);
         QPainter painter(&layer);
         preparePainter(painter);
-        painter.drawPixmap(shadow.xOffset, shadow.yOffset, paintedBits(shape, colorOf(shadow)));
+        const QPixmap bits = paintedBits(shape, colorOf(shadow));
+        drawShadowPixmap(&painter, placed(shadow.xOffset, shadow.yOffset, bits), bits);
         painter.end();
         return layer;
     });
@@ -366,8 +375,10 @@ QPixmap BoxShadow::insideShadow(const QPixmap &source, const QImage &sourceArgb)
         QPixmap layer = blankLike(source);
         QPainter painter(&layer);
         preparePainter(painter);
-        painter.drawPixmap(0, 0, paintedBits(shape, color));
-        painter.drawPixmap(shadow.xOffset, shadow.yOffset, paintedBits(shape, contrast));
+        const QPixmap bits = paintedBits(shape, color);
+        drawShadowPixmap(&painter, placed(0, 0, bits), bits);
+        const QPixmap shifted = paintedBits(shape, contrast);
+        drawShadowPixmap(&painter, placed(shadow.xOffset, shadow.yOffset, shifted), shifted);
         painter.end();
         // Set only where the shadow colour survived: the part of the shape the shifted copy left.
         return paintedBits(maskOf(argbOf(layer), layer.devicePixelRatio(), color, Qt::MaskOutColor), color);
@@ -383,7 +394,7 @@ QPixmap BoxShadow::smoothOutsideShadow(const QPixmap &source)
         QPixmap layer = blankLike(source);
         QPainter painter(&layer);
         preparePainter(painter);
-        painter.drawPixmap(area.translated(shadow.xOffset, shadow.yOffset), coloredPixmap(colorOf(shadow), source));
+        drawShadowPixmap(&painter, area.translated(shadow.xOffset, shadow.yOffset), coloredPixmap(colorOf(shadow), source));
         painter.end();
         return layer;
     });
@@ -391,7 +402,7 @@ QPixmap BoxShadow::smoothOutsideShadow(const QPixmap &source)
     QPainter painter(&result);
     preparePainter(painter);
     painter.setCompositionMode(QPainter::CompositionMode_DestinationOut);
-    painter.drawPixmap(area, source);
+    drawShadowPixmap(&painter, area, source);
     painter.end();
     return result;
 }
@@ -405,14 +416,14 @@ QPixmap BoxShadow::smoothInsideShadow(const QPixmap &source)
         QPixmap layer = blankLike(source);
         QPainter painter(&layer);
         preparePainter(painter);
-        painter.drawPixmap(area, crescent);
+        drawShadowPixmap(&painter, area, crescent);
         painter.end();
         return layer;
     });
     QPainter painter(&result);
     preparePainter(painter);
     painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
-    painter.drawPixmap(area, source);
+    drawShadowPixmap(&painter, area, source);
     painter.end();
     return result;
 }
