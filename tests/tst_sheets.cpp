@@ -9,6 +9,7 @@
 #include <QDialogButtonBox>
 #include <QGraphicsBlurEffect>
 #include <QGraphicsPixmapItem>
+#include <QGraphicsRectItem>
 #include <QGraphicsScene>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -414,6 +415,7 @@ private Q_SLOTS:
         QCOMPARE(window->grab().toImage(), first);
         QCOMPARE(first, designed::render(window.get(), widget, smooth, outside, inside, border));
 
+        QCOMPARE(window->grab().toImage(), first); // kept again, then the content changes
         label->setText(QStringLiteral("Wy"));
         const QImage changed = window->grab().toImage();
         QVERIFY(changed != first);
@@ -429,6 +431,36 @@ private Q_SLOTS:
         // A new inner list leaves the reach, and so the source's pixels, as they were.
         effect->setInsideShadowList(Shadows(outside));
         QCOMPARE(window->grab().toImage(), designed::render(window.get(), widget, smooth, outside, outside, border));
+    }
+
+    // On a graphics item the kept shadows follow the item's updates as well.
+    void shadowOnItemFollowsTheItem()
+    {
+        auto render = [](QGraphicsScene &scene) {
+            QImage image(200, 160, QImage::Format_ARGB32_Premultiplied);
+            image.fill(Qt::white);
+            QPainter painter(&image);
+            scene.render(&painter, image.rect(), scene.sceneRect());
+            return image;
+        };
+        auto addCard = [](QGraphicsScene &scene, const QColor &color) {
+            scene.setSceneRect(0, 0, 200, 160);
+            auto *item = scene.addRect(60, 50, 80, 60, Qt::NoPen, color);
+            auto *effect = new BoxShadow(0, false);
+            effect->setOutsideShadowList({{4.0, 3, 3, "black"}});
+            item->setGraphicsEffect(effect);
+            return item;
+        };
+        QGraphicsScene scene;
+        QGraphicsRectItem *item = addCard(scene, Qt::white);
+        const QImage first = render(scene);
+        QCOMPARE(render(scene), first);
+        item->setBrush(QColor(0x8c98a8)); // the same shape in another colour
+        QGraphicsScene fresh;
+        addCard(fresh, QColor(0x8c98a8));
+        const QImage changed = render(scene);
+        QVERIFY(changed != first);
+        QCOMPARE(changed, render(fresh));
     }
 
     void smoothInnerCutsAtHalfOffsetTowardZero()

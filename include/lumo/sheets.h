@@ -107,6 +107,7 @@ private:
     std::vector<ShadowData> insideShadows;
     std::vector<ShadowData> outsideShadows;
     QWidget *host = nullptr;
+    bool onItem = false; // on a QGraphicsItem rather than a widget
     // The last shadows built, with the source pixels they were built from; one set per effect.
     std::unique_ptr<Kept> kept;
 

@@ -200,12 +200,14 @@ void BoxShadow::sourceChanged(ChangeFlags flags)
         if (host)
             host->removeEventFilter(this);
         host = nullptr;
+        onItem = false;
     }
     if (flags & SourceAttached) {
         // Qt gives an effect no public way to its widget; attaching happens once per widget.
         const QWidgetList widgets = QApplication::allWidgets();
         const auto found = std::find_if(widgets.cbegin(), widgets.cend(), [this](QWidget *w) { return w->graphicsEffect() == this; });
         host = found == widgets.cend() ? nullptr : *found;
+        onItem = !host;
         if (host)
             host->installEventFilter(this);
     }
@@ -218,6 +220,9 @@ void BoxShadow::forgetKept()
 
 bool BoxShadow::changesAnnounced() const
 {
+    // A graphics item's every update drops Qt's cached copy of its pixels.
+    if (onItem)
+        return true;
     // Qt marks widgets dirty only while they are visible and take updates, in a window with a
     // backing store of its own; anywhere else a change goes unannounced.
     if (!host || !host->isVisible() || !host->updatesEnabled())
