@@ -256,7 +256,8 @@ void BoxShadow::draw(QPainter *painter)
     const int height = qRound(bounds.height() + (bounds.y() - y0) * 0.5);
 
     if (!keptShadowsValid(painter, sourceRect.size())) {
-        forgetKept();
+        // The previous set goes only once the new one stands: freed first, its memory went back to
+        // the system and each new pixmap paid for fresh pages, up to twice the building time.
         QPixmap source = paddedSource();
         if (!source.isNull()) {
             auto fresh = std::make_unique<Kept>();
@@ -272,6 +273,8 @@ void BoxShadow::draw(QPainter *painter)
             fresh->reusable = changesAnnounced();
             fresh->source = std::move(source);
             kept = std::move(fresh);
+        } else {
+            forgetKept();
         }
     }
     if (kept) {
