@@ -21,6 +21,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -43,6 +44,13 @@ struct ShadowData {
  * The "mask" style cuts the shadows with 1-bit masks of the widget's shape; the
  * "smooth" style uses the widget's own alpha, so soft edges stay soft. Outer
  * shadows need room around the widget: leave necessary_indentation() free.
+ *
+ * The shadows are built once and reused until Qt marks the widget or one of
+ * its children dirty (any QWidget::update()), the lists or the size change, or
+ * the widget is hidden. A widget that paints differently without calling
+ * update() keeps its previous shadow until it next does. The effect holds at
+ * most three pixmaps of the widget's size grown by the reach: its own
+ * rendering (shared with Qt's pixmap cache) and the outer and inner shadows.
  */
 class LUMO_EXPORT BoxShadow : public QGraphicsEffect
 {
@@ -66,21 +74,31 @@ public:
     /** @p rect grown by the reach on every side. */
     QRectF boundingRectFor(const QRectF &rect) const override;
 
+    /** @internal Forgets the kept shadows when the decorated widget is hidden. */
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 protected:
     /** Paints the outer shadows, the widget and then the inner shadows over it. */
     void draw(QPainter *painter) override;
+    /** Follows the widget the effect is put on; any change forgets the kept shadows. */
+    void sourceChanged(ChangeFlags flags) override;
 
 private:
+    struct Kept;
+
     QPixmap blurPixmap(const QPixmap &pixmap, double radius);
     QPixmap coloredPixmap(const QColor &color, const QPixmap &pixmap);
     QPixmap cutShadow(QPixmap shadow, const QPixmap &cutter, int dx, int dy);
     QPixmap paddedSource() const;
     QPixmap blurredLayers(const QPixmap &source, const std::vector<ShadowData> &shadows,
                           const std::function<QPixmap(const ShadowData &)> &layerOf);
-    QPixmap outsideShadow();
-    QPixmap insideShadow();
-    QPixmap smoothOutsideShadow();
-    QPixmap smoothInsideShadow();
+    QPixmap outsideShadow(const QPixmap &source, const QImage &sourceArgb);
+    QPixmap insideShadow(const QPixmap &source, const QImage &sourceArgb);
+    QPixmap smoothOutsideShadow(const QPixmap &source);
+    QPixmap smoothInsideShadow(const QPixmap &source);
+    bool changesAnnounced() const;
+    bool keptShadowsValid(const QPainter *painter, const QSizeF &sourceSize) const;
+    void forgetKept();
 
     bool smooth;
     int maxOffsetX = 0;
@@ -88,11 +106,10 @@ private:
     int border;
     std::vector<ShadowData> insideShadows;
     std::vector<ShadowData> outsideShadows;
-    // The last shadows and the source pixels they were built from: reused while the
-    // source paints the same pixels and the lists stay; one set per effect.
-    QPixmap composedSource;
-    QPixmap composedOuter;
-    QPixmap composedInner;
+    QWidget *host = nullptr;
+    bool onItem = false; // on a QGraphicsItem rather than a widget
+    // The last shadows built, with the source pixels they were built from; one set per effect.
+    std::unique_ptr<Kept> kept;
 
     Q_DISABLE_COPY(BoxShadow)
 };
