@@ -385,8 +385,10 @@ private Q_SLOTS:
             return texts;
         };
         QCOMPARE(captions(), QStringList({str("Yes"), str("No"), str("Later"), str("-")}));
-        // The sizes hold once shown, with a button hovered and focused; Reset keeps its natural size.
+        // The sizes hold once shown in a mask, which re-polishes the sheet, with a button
+        // hovered and focused; Reset keeps its natural size.
         parent.show();
+        LumoMask::createMask(&sheet, &parent, QColor(0, 0, 0, 20));
         sheet.show();
         QVERIFY(QTest::qWaitForWindowExposed(&parent));
         QTest::mouseMove(sheet.button(QMessageBox::Discard));

@@ -655,6 +655,12 @@ void LumoMessageSheet::slotChangeApplyButtonStatus(int state)
 
 void LumoMessageSheet::showEvent(QShowEvent *event)
 {
+    // A mask taking the sheet in re-polishes it, and the buttons' style sheets then
+    // replace their fixed sizes with their own minimum height.
+    for (QDialogButtonBox::StandardButton which : {QDialogButtonBox::Ok, QDialogButtonBox::Apply, QDialogButtonBox::Discard}) {
+        if (QPushButton *b = d->buttonBox->button(which))
+            sizeButton(b);
+    }
     d->buttonBox->setFocusPolicy(Qt::NoFocus);
     for (QMessageBox::StandardButton which : {QMessageBox::Ok, QMessageBox::Discard}) {
         if (QAbstractButton *b = button(which))
