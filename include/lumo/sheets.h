@@ -74,7 +74,7 @@ public:
     /** @p rect grown by the reach on every side. */
     QRectF boundingRectFor(const QRectF &rect) const override;
 
-    /** @internal Forgets the kept shadows when the decorated widget is hidden. */
+    /** Forgets the kept shadows when the decorated widget is hidden, since Qt marks nothing dirty while it is. */
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 protected:
