@@ -87,9 +87,9 @@ bool isBlankPixmap(const QPixmap &pixmap)
     return true;
 }
 
-// Draws @p pixmap into @p target; at its own size where it is drawn at a point. Where it lands on device pixels one to one, at a whole
-// pixel ratio, smooth transformation has nothing to interpolate: the raster engine's plain
-// blit gives the same pixels without going through its filtering span path, several times faster.
+// Draws @p pixmap into @p target. Where it lands on device pixels one to one, at a whole pixel
+// ratio, smooth transformation has nothing to interpolate: the raster engine's plain blit gives
+// the same pixels without its filtering span path, several times faster.
 void drawShadowPixmap(QPainter *painter, const QRectF &target, const QPixmap &pixmap)
 {
     const qreal ratio = pixmap.devicePixelRatio();
